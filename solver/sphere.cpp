@@ -1,0 +1,68 @@
+#include "solver/sphere.h"
+
+namespace tavrik {
+namespace {
+
+// The vertices of an icosahedron, to the six digits that every recording so far was made with.
+constexpr DPoint3 kIcosahedron[kSphereRays] = {
+    {0, 0, 1},
+    {0.894427, 0, 0.447214},
+    {0.276393, 0.850651, 0.447214},
+    {-0.723607, 0.525731, 0.447214},
+    {-0.723607, -0.525731, 0.447214},
+    {0.276393, -0.850651, 0.447214},
+    {0.723607, 0.525731, -0.447214},
+    {-0.276393, 0.850651, -0.447214},
+    {-0.894427, 0, -0.447214},
+    {-0.276393, -0.850651, -0.447214},
+    {0.723607, -0.525731, -0.447214},
+    {0, 0, -1},
+};
+
+/// A unit vector, uniform over the sphere: points of a cube, kept when they lie in a shell thick enough to divide by.
+DPoint3 RandomDirection(RandomStream& random) {
+    for (;;) {
+        DPoint3 v;
+        v.x = 2.0 * random.Rand01() - 1.0;
+        v.y = 2.0 * random.Rand01() - 1.0;
+        v.z = 2.0 * random.Rand01() - 1.0;
+        const double squared = Dot(v, v);
+        if (squared >= 0.5 && squared <= 1.0) return v / Length(v);
+    }
+}
+
+}  // namespace
+
+DMatrix3 RandomFrame(RandomStream& random) {
+    const DPoint3 v = RandomDirection(random);
+    DPoint3 u = RandomDirection(random);
+    for (int i = 0; i < 2; ++i) {  // the second time takes away what rounding left when both are nearly parallel
+        u -= v * Dot(v, u);
+        u = Normalize(u);
+    }
+    return {{v, u, Cross(v, u), {0.0, 0.0, 0.0}}};
+}
+
+int SphereRayCast(const CollisionSphere& sphere, const SurfaceTree& surface, const RigidBody& chassisBody, RandomStream& random,
+                  std::span<ContactPoint, kSphereRays> contacts) {
+    const DMatrix3 turn = RandomFrame(random);
+    const Point3 centre = ToPoint3(Compose(sphere.frame, chassisBody.frame).row[3]);
+    int hits = 0;
+    for (std::size_t k = 0; k < kSphereRays; ++k) {
+        ContactPoint& contact = contacts[k];
+        contact.hit = 0;
+        SurfaceRay ray;
+        ray.Set(centre, ToPoint3(TransformPoint(kIcosahedron[k], turn) * sphere.Radius), 0.0f, 1.0f);
+        if (!surface.Intersect(ray)) continue;
+
+        const float t = ray.tmax;
+        contact.hit = 1;
+        ++hits;
+        contact.direction = FromPoint3(Normalize(ray.dir));
+        contact.point = FromPoint3(ray.org + ray.dir * t);
+        contact.depth = double(1.0f - t) * sphere.Radius;
+    }
+    return hits;
+}
+
+}  // namespace tavrik
