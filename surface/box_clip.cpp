@@ -6,8 +6,8 @@
 namespace tavrik {
 namespace {
 
-// A cut can turn n points into n + n/2 of them if rounding bends the polygon as far as it can: 3, 4, 6, 9, 13 over the four cuts
-// in X and Y. A polygon that stays convex needs 7.
+// A cut can turn n points into n + n/2 of them if rounding bends the polygon as far as it can: 3, 4, 6, 9, 13 over the four
+// cuts in X and Y. A polygon that stays convex needs 7.
 constexpr int kMostPoints = 13;
 
 struct Polygon {
@@ -20,8 +20,8 @@ struct Polygon {
     }
 };
 
-// Cuts away what lies below (kSide = -1) or above (kSide = 1) the plane at `c` on an axis. Points on the plane stay, and only an
-// edge with one end strictly below and one strictly above is cut.
+// Cuts away what lies below (kSide = -1) or above (kSide = 1) the plane at `c` on an axis. Points on the plane stay, and only
+// an edge with one end strictly below and one strictly above is cut.
 template <int kAxis, int kSide>
 void CutAt(const Polygon& from, float c, Polygon& to) {
     const auto keeps = [c](float a) { return kSide < 0 ? a >= c : a <= c; };
@@ -115,12 +115,13 @@ unsigned ChildrenTouched(const Point3 (&corner)[3], const ChildWalls& walls) {
                     std::min({corner[0].z, corner[1].z, corner[2].z})},
                    {std::max({corner[0].x, corner[1].x, corner[2].x}), std::max({corner[0].y, corner[1].y, corner[2].y}),
                     std::max({corner[0].z, corner[1].z, corner[2].z})}};
-    const unsigned near = ChildrenOnRange<0>(walls, box.pmin.x, box.pmax.x) & ChildrenOnRange<1>(walls, box.pmin.y, box.pmax.y) &
-                          ChildrenOnRange<2>(walls, box.pmin.z, box.pmax.z);
+    const unsigned near = ChildrenOnRange<0>(walls, box.pmin.x, box.pmax.x) &
+                          ChildrenOnRange<1>(walls, box.pmin.y, box.pmax.y) & ChildrenOnRange<2>(walls, box.pmin.z, box.pmax.z);
     // No cut removes or moves a corner that lies in the child.
     unsigned touched = 0;
     for (const Point3& p : corner) {
-        touched |= ChildrenOnRange<0>(walls, p.x, p.x) & ChildrenOnRange<1>(walls, p.y, p.y) & ChildrenOnRange<2>(walls, p.z, p.z);
+        touched |=
+            ChildrenOnRange<0>(walls, p.x, p.x) & ChildrenOnRange<1>(walls, p.y, p.y) & ChildrenOnRange<2>(walls, p.z, p.z);
     }
     const unsigned undecided = near & ~touched;
     return undecided == 0 ? touched : touched | ChildrenByClipping(corner, walls, undecided);

@@ -8,6 +8,7 @@
 #define TAVRIK_SSE2 0
 #endif
 
+#include <cmath>
 #include <cstdint>
 
 namespace tavrik {
@@ -60,6 +61,12 @@ inline Mask4 operator&(Mask4 a, Mask4 b) { return {_mm_and_ps(a.lanes, b.lanes)}
 inline Mask4 operator|(Mask4 a, Mask4 b) { return {_mm_or_ps(a.lanes, b.lanes)}; }
 /// Where `b` holds and `a` doesn't.
 inline Mask4 AndNot(Mask4 a, Mask4 b) { return {_mm_andnot_ps(a.lanes, b.lanes)}; }
+/// The magnitude of each lane.
+inline Float4 Abs(Float4 a) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), a.lanes)}; }
+/// Where the signs differ.
+inline Mask4 SignsDiffer(Float4 a, Float4 b) {
+    return {_mm_castsi128_ps(_mm_srai_epi32(_mm_castps_si128(_mm_xor_ps(a.lanes, b.lanes)), 31))};
+}
 /// Bit i is lane i's answer.
 inline unsigned Bits(Mask4 a) { return unsigned(_mm_movemask_ps(a.lanes)); }
 inline Mask4 Select(Mask4 mask, Mask4 a, Mask4 b) { return (mask & a) | AndNot(mask, b); }
@@ -103,9 +110,7 @@ inline Int4 Truncate(Float4 a) {
     }
     return result;
 }
-inline Float4 ToFloat(Int4 a) {
-    return {{float(a.lanes[0]), float(a.lanes[1]), float(a.lanes[2]), float(a.lanes[3])}};
-}
+inline Float4 ToFloat(Int4 a) { return {{float(a.lanes[0]), float(a.lanes[1]), float(a.lanes[2]), float(a.lanes[3])}}; }
 template <int kLane>
 std::int32_t Lane(Int4 a) {
     return a.lanes[kLane];
@@ -165,6 +170,12 @@ inline Mask4 AndNot(Mask4 a, Mask4 b) {
     return CombineLanes(a, b, [](std::uint32_t x, std::uint32_t y) { return ~x & y; });
 }
 inline Mask4 Select(Mask4 mask, Mask4 a, Mask4 b) { return (mask & a) | AndNot(mask, b); }
+inline Float4 Abs(Float4 a) {
+    return EachLane(a, a, [](float x, float) { return std::fabs(x); });
+}
+inline Mask4 SignsDiffer(Float4 a, Float4 b) {
+    return CompareLanes(a, b, [](float x, float y) { return std::signbit(x) != std::signbit(y); });
+}
 inline unsigned Bits(Mask4 a) { return (a.lanes[0] & 1u) | (a.lanes[1] & 2u) | (a.lanes[2] & 4u) | (a.lanes[3] & 8u); }
 inline Float4 Select(Mask4 mask, Float4 a, Float4 b) {
     Float4 result;

@@ -10,7 +10,6 @@
 #include <atomic>
 #include <cmath>
 #include <exception>
-#include <memory>
 #include <new>
 #include <thread>
 #include <utility>
@@ -28,17 +27,15 @@ constexpr int kTaskDepth = 3;  // each node at this depth is a task: up to 512 o
 
 // Memory taken against memory allowed.
 class MemoryBudget {
-   public:
+ public:
     explicit MemoryBudget(std::size_t limit) : limit_(limit) {}
 
     // False when that passes the limit; the build is then over.
-    bool Take(std::size_t bytes) {
-        return taken_.fetch_add(bytes, std::memory_order_relaxed) + bytes <= limit_;
-    }
+    bool Take(std::size_t bytes) { return taken_.fetch_add(bytes, std::memory_order_relaxed) + bytes <= limit_; }
     void GiveBack(std::size_t bytes) { taken_.fetch_sub(bytes, std::memory_order_relaxed); }
     std::size_t limit() const { return limit_; }
 
-   private:
+ private:
     const std::size_t limit_;
     std::atomic<std::size_t> taken_ = 0;
 };
@@ -67,6 +64,10 @@ struct TreePart {
     std::vector<SurfaceNode> nodes;
     std::vector<SurfaceBlock> blocks;
     std::vector<SurfaceFaces> faces;
+
+    std::size_t bytes() const {
+        return nodes.size() * sizeof(SurfaceNode) + blocks.size() * sizeof(SurfaceBlock) + faces.size() * sizeof(SurfaceFaces);
+    }
 };
 
 // A subtree that is still to be built.
@@ -81,7 +82,7 @@ Point3 CentreOf(const Box3& box) { return (box.pmin + box.pmax) * 0.5f; }
 
 // Splits nodes depth first. The lists of the nodes on the way down stand in one stack of triangle indices.
 class NodeSplitter {
-   public:
+ public:
     NodeSplitter(const std::vector<Point3>& verts, const std::vector<SurfaceTriangle>& triangles, MemoryBudget& budget)
         : verts_(verts), triangles_(triangles), budget_(budget) {}
     ~NodeSplitter() {
@@ -92,7 +93,8 @@ class NodeSplitter {
     NodeSplitter& operator=(const NodeSplitter&) = delete;
 
     // Builds a node and all below it into `part`; what lies at `taskDepth` goes to `tasks` instead, if there are any to be.
-    bool Split(const Box3& box, int depth, const std::vector<std::uint32_t>& list, TreePart& part, std::vector<SubtreeTask>* tasks) {
+    bool Split(const Box3& box, int depth, const std::vector<std::uint32_t>& list, TreePart& part,
+               std::vector<SubtreeTask>* tasks) {
         lists_.clear();
         if (!MakeRoom(lists_, list.size(), budget_)) return false;
         lists_.insert(lists_.end(), list.begin(), list.end());
@@ -101,7 +103,7 @@ class NodeSplitter {
         return SplitNode(box, depth, 0, list.size(), part.root);
     }
 
-   private:
+ private:
     bool SplitNode(const Box3& box, int depth, std::size_t first, std::size_t count, SurfaceLink& link) {
         const bool splits = count > std::size_t(depth) && depth < kDeepest;
         if (!splits) return AddLeaf(box, first, count, link);
@@ -135,7 +137,7 @@ class NodeSplitter {
 
         const std::size_t node = part_->nodes.size();
         if (node >= SurfaceLink::kMostIndices || !MakeRoom(part_->nodes, 1, budget_)) return false;
-        part_->nodes.push_back({CentreOf(box), 0.0f, {}});
+        part_->nodes.push_back({CentreOf(box), 0.0f, {}, {}});
         link = SurfaceLink::Inner(node);
         for (std::size_t child = 0; child < 8; ++child) {
             const Box3 childBox = ChildBox(walls, unsigned(child));
@@ -197,14 +199,15 @@ class NodeSplitter {
 
 // Gives each leaf the cubes beyond its faces. A cube's own are passed down to its children, so inner nodes keep none.
 class NeighbourLinker {
-   public:
+ public:
     struct Start {
         SurfaceLink cube;
         Box3 box;
         SurfaceLink neighbour[6];
     };
 
-    NeighbourLinker(const std::vector<SurfaceNode>& nodes, std::vector<SurfaceBlock>& blocks) : nodes_(nodes), blocks_(blocks) {}
+    NeighbourLinker(const std::vector<SurfaceNode>& nodes, std::vector<SurfaceBlock>& blocks)
+        : nodes_(nodes), blocks_(blocks) {}
 
     // Links all leaves in `from`; inner nodes `levels` below it are put into `later`, if given, instead.
     void Link(const Start& from, int levels, std::vector<Start>* later) const {
@@ -233,7 +236,7 @@ class NeighbourLinker {
         }
     }
 
-   private:
+ private:
     // The child of `cube` at `probe`. A cube without children is larger than the one that asks, and is the answer itself.
     SurfaceLink Towards(SurfaceLink cube, const Point3& probe) const {
         if (cube.endsDescent()) return cube;
@@ -246,29 +249,27 @@ class NeighbourLinker {
     std::vector<SurfaceBlock>& blocks_;
 };
 
-// Calls `work` with every index below `count`, on up to `threads` threads. Whoever is free takes the next index, so the work must
-// not care who does it. Threads that can't be had are done without.
-template <typename Worker>
-void RunInParallel(unsigned threads, std::size_t count, const Worker& makeWork) {
-    std::atomic<std::size_t> next = 0;
-    const auto run = [&] {
-        auto work = makeWork();
-        for (std::size_t i = next.fetch_add(1); i < count; i = next.fetch_add(1)) work(i);
-    };
+// Lets up to `threads` threads share the indices below `count`: each calls work(next), and next(i) hands it an index until
+// there are none left. Whoever is free takes the next one, so the work must not care who does it. It must not throw. Threads
+// that can't be had are done without.
+template <typename Work>
+void RunInParallel(unsigned threads, std::size_t count, const Work& work) {
+    std::atomic<std::size_t> taken = 0;
+    const auto next = [&taken, count](std::size_t& i) { return (i = taken.fetch_add(1, std::memory_order_relaxed)) < count; };
     std::vector<std::thread> helpers;
     try {
-        for (std::size_t i = 1; i < std::min<std::size_t>(threads, count); ++i) helpers.emplace_back(run);
+        for (std::size_t i = 1; i < std::min<std::size_t>(threads, count); ++i) helpers.emplace_back([&] { work(next); });
     } catch (const std::exception&) {
         // The threads there are, at the least this one, do all of it.
     }
-    run();
+    work(next);
     for (std::thread& helper : helpers) helper.join();
 }
 
 }  // namespace
 
 class SurfaceBuild {
-   public:
+ public:
     SurfaceBuild(const TriangleMesh& mesh, const SurfaceBuildLimits& limits)
         : mesh_(mesh), budget_(MostBytes(limits)), threads_(limits.threads != 0 ? limits.threads : Processors()) {}
 
@@ -286,14 +287,15 @@ class SurfaceBuild {
         }
         if (!done) {
             problem = "the octree over " + std::to_string(mesh_.faces.size()) + " faces needs more than the " +
-                      std::to_string(budget_.limit() >> 20) + " MB it may take; large faces that lie on one another need the most";
+                      std::to_string(budget_.limit() >> 20) +
+                      " MB it may take; large faces that lie on one another need the most";
             return false;
         }
         tree = std::move(tree_);
         return true;
     }
 
-   private:
+ private:
     static std::size_t MostBytes(const SurfaceBuildLimits& limits) {
         if (limits.memoryBytes != 0) return limits.memoryBytes;
         const std::size_t memory = PhysicalMemory();
@@ -335,15 +337,15 @@ class SurfaceBuild {
         std::vector<SurfaceTriangle>& triangles = tree_.triangles_;
         if (!MakeRoom(triangles, count, budget_)) return false;
         triangles.resize(count);
-        RunInParallel(threads_, (count + kBatch - 1) / kBatch, [&] {
-            return [&](std::size_t batch) {
+        RunInParallel(threads_, (count + kBatch - 1) / kBatch, [&](const auto& next) {
+            for (std::size_t batch = 0; next(batch);) {
                 for (std::size_t i = batch * kBatch; i < std::min(count, (batch + 1) * kBatch); ++i) {
                     const std::uint32_t* v = mesh_.faces[i].v;
                     std::copy_n(v, 3, triangles[i].corner);
                     // A triangle without area stays in the lists like any other.
                     SetUpTriangle(tree_.verts_[v[0]], tree_.verts_[v[1]], tree_.verts_[v[2]], triangles[i]);
                 }
-            };
+            }
         });
         return true;
     }
@@ -360,36 +362,37 @@ class SurfaceBuild {
 
     bool FinishSubtrees() {
         std::atomic<bool> failed = false;
-        RunInParallel(threads_, tasks_.size(), [&] {
-            return [&, splitter = std::make_unique<NodeSplitter>(tree_.verts_, tree_.triangles_, budget_)](std::size_t i) {
-                if (failed.load(std::memory_order_relaxed)) return;
-                SubtreeTask& task = tasks_[i];
-                try {
-                    if (splitter->Split(task.box, kTaskDepth, task.list, task.part, nullptr)) {
-                        FreeVector(task.list, budget_);
-                        return;
-                    }
-                } catch (const std::bad_alloc&) {
-                    // Told as any other shortage.
+        RunInParallel(threads_, tasks_.size(), [&](const auto& next) {
+            try {
+                NodeSplitter splitter(tree_.verts_, tree_.triangles_, budget_);
+                for (std::size_t i = 0; !failed && next(i);) {
+                    SubtreeTask& task = tasks_[i];
+                    if (!splitter.Split(task.box, kTaskDepth, task.list, task.part, nullptr)) failed = true;
+                    FreeVector(task.list, budget_);
                 }
+            } catch (const std::bad_alloc&) {
                 failed = true;
-            };
+            }
         });
         return !failed;
     }
 
     bool JoinSubtrees() {
         std::size_t nodes = upper_.nodes.size(), blocks = upper_.blocks.size(), faces = upper_.faces.size();
+        std::size_t largestPart = upper_.bytes();
         for (const SubtreeTask& task : tasks_) {
             nodes += task.part.nodes.size();
             blocks += task.part.blocks.size();
             faces += task.part.faces.size();
+            largestPart = std::max(largestPart, task.part.bytes());
         }
         if (std::max({nodes, blocks, faces}) >= SurfaceLink::kMostIndices) return false;
-        if (!MakeRoom(tree_.nodes_, nodes, budget_) || !MakeRoom(tree_.blocks_, blocks, budget_) ||
-            !MakeRoom(tree_.faces_, faces, budget_) || !budget_.Take(SurfaceGrid::BytesOver(nodes))) {
-            return false;
-        }
+        // Storage that is only reserved takes no memory yet. It fills as fast as the parts are freed, so there is never more
+        // than one part that exists twice.
+        if (!budget_.Take(largestPart + SurfaceGrid::BytesOver(nodes))) return false;
+        tree_.nodes_.reserve(nodes);
+        tree_.blocks_.reserve(blocks);
+        tree_.faces_.reserve(faces);
         tree_.root_ = Append(upper_);
         for (SubtreeTask& task : tasks_) tree_.nodes_[task.parent].child[task.child] = Append(task.part);
         return true;
@@ -412,9 +415,7 @@ class SurfaceBuild {
         tree_.blocks_.insert(tree_.blocks_.end(), part.blocks.begin(), part.blocks.end());
         tree_.faces_.insert(tree_.faces_.end(), part.faces.begin(), part.faces.end());
         const SurfaceLink root = moved(part.root);
-        FreeVector(part.nodes, budget_);
-        FreeVector(part.blocks, budget_);
-        FreeVector(part.faces, budget_);
+        part = {};
         return root;
     }
 
@@ -422,7 +423,9 @@ class SurfaceBuild {
         const NeighbourLinker linker(tree_.nodes_, tree_.blocks_);
         std::vector<NeighbourLinker::Start> starts;
         linker.Link({tree_.root_, tree_.bound_, {}}, kTaskDepth, &starts);
-        RunInParallel(threads_, starts.size(), [&] { return [&](std::size_t i) { linker.Link(starts[i], 0, nullptr); }; });
+        RunInParallel(threads_, starts.size(), [&](const auto& next) {
+            for (std::size_t i = 0; next(i);) linker.Link(starts[i], 0, nullptr);
+        });
     }
 
     const TriangleMesh& mesh_;

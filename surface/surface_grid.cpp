@@ -11,8 +11,10 @@ constexpr int kMostLevels = 7;  // 128^3 cells are 8 MB, of which a ground's sur
 }  // namespace
 
 int SurfaceGrid::LevelsOver(std::size_t nodes) {
+    // A node and its leaves take about 1300 bytes, so that the cells stay within an eighth of the tree.
+    constexpr std::size_t kCellsPerNode = 40;
     int levels = 0;
-    while (levels < kMostLevels && (nodes * 40) >> (3 * (levels + 1)) != 0) ++levels;
+    while (levels < kMostLevels && (nodes * kCellsPerNode) >> (3 * (levels + 1)) != 0) ++levels;
     return levels;
 }
 

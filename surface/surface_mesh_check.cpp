@@ -27,7 +27,8 @@ bool CheckMesh(const TriangleMesh& mesh, std::string& problem) {
     for (std::size_t i = 0; i < numFaces; ++i) {
         for (const std::uint32_t v : mesh.faces[i].v) {
             if (v < numVerts) continue;
-            problem = "face " + std::to_string(i) + " uses vertex " + std::to_string(v) + ", but there are " + std::to_string(numVerts);
+            problem = "face " + std::to_string(i) + " uses vertex " + std::to_string(v) + ", but there are " +
+                      std::to_string(numVerts);
             return false;
         }
     }

@@ -1,6 +1,6 @@
 #pragma once
-/// The records of the ground's octree, packed so that a query reads few cache lines: one for each step down, one for a leaf and,
-/// right behind it, one for every four triangles of its list.
+/// The records of the ground's octree, packed so that a query reads few cache lines: one for each step down, one for a leaf
+/// and, right behind it, one for every four triangles of its list.
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace tavrik {
 
 /// Names a cube of the octree: an inner node, a leaf, or none.
 class SurfaceLink {
-   public:
+ public:
     static constexpr std::uint32_t kMostIndices = 0x7FFFFFFFu;
 
     SurfaceLink() = default;
@@ -25,7 +25,7 @@ class SurfaceLink {
     std::uint32_t index() const { return bits_ & ~kLeaf; }
     bool operator==(const SurfaceLink&) const = default;
 
-   private:
+ private:
     explicit SurfaceLink(std::uint32_t bits) : bits_(bits) {}
 
     static constexpr std::uint32_t kLeaf = 0x80000000u, kNone = 0xFFFFFFFFu;
@@ -35,9 +35,10 @@ class SurfaceLink {
 
 /// An inner cube. Bit 0 of a child's number is set for the upper half in X, bit 1 in Y, bit 2 in Z.
 struct alignas(64) SurfaceNode {
-    Point3 centre;  // a point strictly above it goes to the upper children
+    Point3 centre;       // a point strictly above it goes to the upper children
     float besideCentre;  // zero; lets the centre be loaded as four floats
     SurfaceLink child[8];
+    std::uint32_t spare[4];  // zero
 };
 
 /// A leaf: its cube, the cubes beyond its faces and its list of triangles.

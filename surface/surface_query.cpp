@@ -29,8 +29,8 @@ struct RayLanes {
 // The way from a ray's start to the wall ahead on each axis.
 Float4 WayOut(const RayLanes& ray, Float4 pmin, Float4 pmax) { return Select(ray.forward, pmax, pmin) - ray.org; }
 
-// Whether dir * 1 ends before every wall ahead, so that each way / dir is above 1, without dividing. Where way and dir differ at
-// all, their quotient is further from 1 than half the step to the next float, so no rounding takes it back to 1.
+// Whether dir * 1 ends before every wall ahead, so that each way / dir is above 1, without dividing. Where way and dir differ
+// at all, their quotient is further from 1 than half the step to the next float, so no rounding takes it back to 1.
 bool EndsBeforeWalls(const RayLanes& ray, Float4 way) {
     const Mask4 further = Select(ray.forward, way > ray.dir, ray.dir > way) | ray.sideways;
     return (Bits(further) & 7) == 7;
@@ -50,8 +50,8 @@ struct WallsAhead {
     float nearest;
 };
 
-// The face behind which a walk goes on. Of walls at the same parameter X comes before Y and Y before Z; with no wall in reach it
-// is the first face.
+// The face behind which a walk goes on. Of walls at the same parameter X comes before Y and Y before Z; with no wall in reach
+// it is the first face.
 std::size_t FaceAhead(const WallsAhead& walls, unsigned forward) {
     if (!(walls.nearest < kFarthest)) return 0;
     if (walls.x == walls.nearest) return forward & 1;
@@ -61,9 +61,10 @@ std::size_t FaceAhead(const WallsAhead& walls, unsigned forward) {
 
 // Cuts a ray to a box. False when nothing of it is left; a ray that only grazes the box has nothing left.
 bool ClipToBox(const Box3& box, const RayLanes& lanes, SurfaceRay& ray) {
-    if (box.Contains(ray.org)) {
-        const Float4 way = WayOut(lanes, Float4From(box.pmin.x, box.pmin.y, box.pmin.z, 0.0f),
-                                  Float4From(box.pmax.x, box.pmax.y, box.pmax.z, 0.0f));
+    const Float4 pmin = Float4From(box.pmin.x, box.pmin.y, box.pmin.z, 0.0f);
+    const Float4 pmax = Float4From(box.pmax.x, box.pmax.y, box.pmax.z, 0.0f);
+    if (Bits((lanes.org >= pmin) & (lanes.org <= pmax)) == 15) {
+        const Float4 way = WayOut(lanes, pmin, pmax);
         if (!(ray.tmax == 1.0f && EndsBeforeWalls(lanes, way))) {
             const WallsAhead walls(lanes, way);
             if (ray.tmax > walls.nearest) ray.tmax = walls.nearest;
@@ -71,12 +72,12 @@ bool ClipToBox(const Box3& box, const RayLanes& lanes, SurfaceRay& ray) {
         return ray.tmax > ray.tmin;
     }
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        const float dir = ray.dir[axis], org = ray.org[axis], pmin = box.pmin[axis], pmax = box.pmax[axis];
+        const float dir = ray.dir[axis], org = ray.org[axis], low = box.pmin[axis], high = box.pmax[axis];
         if (dir == 0.0f) {
-            if (pmin > org || org > pmax) return false;
+            if (low > org || org > high) return false;
         } else if (dir > 0.0f || dir < 0.0f) {
-            const float enter = ((dir > 0.0f ? pmin : pmax) - org) / dir;
-            const float leave = ((dir > 0.0f ? pmax : pmin) - org) / dir;
+            const float enter = ((dir > 0.0f ? low : high) - org) / dir;
+            const float leave = ((dir > 0.0f ? high : low) - org) / dir;
             if (enter > ray.tmin) ray.tmin = enter;
             if (ray.tmax > leave) ray.tmax = leave;
         }
@@ -84,12 +85,19 @@ bool ClipToBox(const Box3& box, const RayLanes& lanes, SurfaceRay& ray) {
     return ray.tmax > ray.tmin;
 }
 
-// Finds out when a walk goes in circles. Only a ray so short that its walls lie beyond kFarthest can: it steps through the first
-// face whatever its direction, and may come back. All that such a step leaves behind is the leaf's index, so a second step from
-// the same leaf means that there is no end. After Richard P. Brent, "An improved Monte Carlo factorization algorithm", 1980: the
-// leaf to meet again is chosen anew after 1, 2, 4, ... steps.
+// Where height / d is surely below 0 or above 1, or d is 0, without dividing. The quotient's magnitude is above 1 just where
+// the height's is above d's; where it is at least 2^-100 it doesn't round to a zero that would pass for "not below 0".
+Mask4 MissesUnitRange(Float4 height, Float4 d) {
+    const Float4 length = Abs(height), reach = Abs(d);
+    return (d == Broadcast(0.0f)) | (length > reach) | (SignsDiffer(height, d) & (length > reach * Broadcast(0x1p-100f)));
+}
+
+// Finds out when a walk goes in circles. Only a ray so short that its walls lie beyond kFarthest can: it steps through the
+// first face whatever its direction, and may come back. All that such a step leaves behind is the leaf's index, so a second
+// step from the same leaf means that there is no end. After Richard P. Brent, "An improved Monte Carlo factorization
+// algorithm", 1980: the leaf to meet again is chosen anew after 1, 2, 4, ... steps.
 class CircleWatch {
-   public:
+ public:
     bool MetAgain(std::uint32_t leaf) {
         if (leaf == leaf_) return true;
         if (++steps_ == period_) {
@@ -100,7 +108,7 @@ class CircleWatch {
         return false;
     }
 
-   private:
+ private:
     std::uint32_t leaf_ = std::numeric_limits<std::uint32_t>::max();
     std::uint32_t steps_ = 0, period_ = 1;
 };
@@ -130,17 +138,21 @@ bool SurfaceTree::Intersect(SurfaceRay& ray) const {
 
         // Every triangle of the list is asked: a later one may be nearer. Each hit shortens the ray for those behind it.
         bool hit = false;
+        const bool unit = ray.tmin >= 0.0f && ray.tmax <= 1.0f;
         const std::uint32_t groups = leaf.groups();
         for (std::uint32_t group = 0; group != groups; ++group) {
             //   t = (planeD - org . n) / (dir . n)     q = dir t + org
             const SurfacePlanes& planes = block[1 + group].planes;
             const Float4 nx = Load(planes.nx), ny = Load(planes.ny), nz = Load(planes.nz);
             const Float4 d = dirX * nx + dirY * ny + dirZ * nz;
-            const Float4 t = (Load(planes.planeD) - (orgX * nx + orgY * ny + orgZ * nz)) / d;
+            const Float4 height = Load(planes.planeD) - (orgX * nx + orgY * ny + orgZ * nz);
+            if (unit && Bits(MissesUnitRange(height, d)) == 15) continue;
+            const Float4 t = height / d;
             const Float4 qx = dirX * t + orgX, qy = dirY * t + orgY, qz = dirZ * t + orgZ;
             const Mask4 missed = (d == Broadcast(0.0f)) | (Broadcast(ray.tmin) > t) | (t > Broadcast(ray.tmax));
-            const Mask4 held = (qx >= BroadcastLane<0>(pmin)) & (qx <= BroadcastLane<0>(pmax)) & (qy >= BroadcastLane<1>(pmin)) &
-                               (qy <= BroadcastLane<1>(pmax)) & (qz >= BroadcastLane<2>(pmin)) & (qz <= BroadcastLane<2>(pmax));
+            const Mask4 held = (qx >= BroadcastLane<0>(pmin)) & (qx <= BroadcastLane<0>(pmax)) &
+                               (qy >= BroadcastLane<1>(pmin)) & (qy <= BroadcastLane<1>(pmax)) &
+                               (qz >= BroadcastLane<2>(pmin)) & (qz <= BroadcastLane<2>(pmax));
             unsigned left = Bits(AndNot(missed, held));
             if (left == 0) continue;
             alignas(16) float ts[4], q[3][4];

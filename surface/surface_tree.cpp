@@ -11,7 +11,8 @@ void SurfaceTree::Release() { *this = SurfaceTree(); }
 
 std::size_t SurfaceTree::bytes() const {
     return grid_.bytes() + verts_.capacity() * sizeof(Point3) + triangles_.capacity() * sizeof(SurfaceTriangle) +
-           nodes_.capacity() * sizeof(SurfaceNode) + blocks_.capacity() * sizeof(SurfaceBlock) + + faces_.capacity() * sizeof(SurfaceFaces);
+           nodes_.capacity() * sizeof(SurfaceNode) + blocks_.capacity() * sizeof(SurfaceBlock) +
+           +faces_.capacity() * sizeof(SurfaceFaces);
 }
 
 }  // namespace tavrik

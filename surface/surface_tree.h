@@ -27,7 +27,7 @@ struct SurfaceBuildLimits {
 /// below 16; the leaves list the triangles they touch, in the mesh's order, and know the cubes beyond their faces, so that a
 /// query walks from leaf to leaf. Every query answers, bit for bit, what that walk answers; how it is stored is free.
 class SurfaceTree {
-   public:
+ public:
     /// Builds the tree of `mesh` in place of the one before. Nothing of the mesh is kept.
     ///
     /// The memory that triangles lying on one another can take has no bound but the sixteen levels: a dozen large ones fill
@@ -77,7 +77,7 @@ class SurfaceTree {
     /// What the tree takes.
     std::size_t bytes() const;
 
-   private:
+ private:
     friend class SurfaceBuild;
 
     Box3 bound_{};

@@ -9,7 +9,7 @@ bool SetUpTriangle(const Point3& p0, const Point3& p1, const Point3& p2, Surface
     triangle.planeD = 0.0f;
     for (float& element : triangle.m) element = 0.0f;
     triangle.baseU = triangle.baseV = 0.0f;
-    triangle.axisU = triangle.axisV = 0;
+    triangle.axisU = triangle.axisV = triangle.spare = 0;
 
     const Point3 product = Cross(p1 - p0, p2 - p0);
     const float length = Length(product);

@@ -8,16 +8,17 @@ namespace tavrik {
 
 /// One triangle of the ground, ready to be asked whether a point of its plane lies in it. One cache line.
 struct alignas(64) SurfaceTriangle {
-    Point3 normal;           // unit, (p1 - p0) x (p2 - p0); exactly zero for a triangle without area, which nothing ever hits
-    float planeD;            // dot(centroid, normal): a point p lies in the plane when dot(p, normal) is this
-    float m[4];              // takes (u, v) to the weights of p1 and p2
-    float baseU, baseV;      // p0 in the two axes below
-    std::uint32_t axisU;     // the two coordinate axes that are kept when the triangle is projected to 2-D,
-    std::uint32_t axisV;     // chosen so that its picture is largest
+    Point3 normal;            // unit, (p1 - p0) x (p2 - p0); exactly zero for a triangle without area, which nothing ever hits
+    float planeD;             // dot(centroid, normal): a point p lies in the plane when dot(p, normal) is this
+    float m[4];               // takes (u, v) to the weights of p1 and p2
+    float baseU, baseV;       // p0 in the two axes below
+    std::uint32_t axisU;      // the two coordinate axes that are kept when the triangle is projected to 2-D,
+    std::uint32_t axisV;      // chosen so that its picture is largest
     std::uint32_t corner[3];  // indices into the vertices of the tree
+    std::uint32_t spare;      // zero
 };
 
-/// Fills all of `triangle` but its corners from the three points.
+/// Fills all of `triangle` but its corner indices from the three points.
 /// @return false for a triangle without area: its normal and all else that is filled are then zero
 bool SetUpTriangle(const Point3& p0, const Point3& p1, const Point3& p2, SurfaceTriangle& triangle);
 

@@ -8,8 +8,8 @@
 
 namespace tavrik::test {
 
-/// Rolling hills on a square of side `width` about the origin, a few units to some metres high: a grid of right-angled triangles,
-/// `faces` of them or just more.
+/// Rolling hills on a square of side `width` about the origin, a few units to some metres high: a grid of right-angled
+/// triangles, `faces` of them or just more.
 TriangleMesh HillMesh(std::size_t faces, float width = 20000.0f);
 /// The height of those hills.
 float HillHeight(float x, float y);

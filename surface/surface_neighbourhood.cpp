@@ -1,0 +1,74 @@
+#include "surface/surface_neighbourhood.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <limits>
+
+#include "surface/float4.h"
+
+namespace tavrik {
+namespace {
+
+// Of a segment's length: what its rounded direction may be longer than it was meant to be.
+constexpr float kLengthMargin = 1.0001f;
+// Of the largest coordinate in play: what a point on a segment may be off by rounding.
+constexpr float kPlaceMargin = 1e-6f;
+
+float LargestCoordinate(const Point3& p) { return std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)}); }
+
+}  // namespace
+
+SurfaceNeighbourhood::SurfaceNeighbourhood(const SurfaceTree& tree, const Point3& centre, float radius) {
+    assert(tree.built());
+    const Box3& bound = tree.bound();
+    const float largest = std::max({LargestCoordinate(bound.pmin), LargestCoordinate(bound.pmax), LargestCoordinate(centre)});
+    const float reach = radius * kLengthMargin + largest * kPlaceMargin;
+    const Float4 middle = Float4From(centre.x, centre.y, centre.z, 0.0f);
+    const Float4 low = middle - Broadcast(reach), high = middle + Broadcast(reach);
+    Gather(tree.root(), tree, low, high);
+}
+
+void SurfaceNeighbourhood::Gather(SurfaceLink cube, const SurfaceTree& tree, Float4 low, Float4 high) {
+    while (!cube.endsDescent()) {
+        const SurfaceNode& node = tree.nodes()[cube.index()];
+        const Float4 centre = Load(&node.centre.x);
+        const unsigned lowest = Bits(low > centre) & 7, highest = Bits(high > centre) & 7;
+        if (lowest != highest) {
+            // A child is in reach where, on each axis, the ball's box has a part on the child's side.
+            const unsigned both = lowest ^ highest;
+            for (unsigned child = 0; child < 8; ++child) {
+                if ((child & ~both) == (lowest & ~both)) Gather(node.child[child], tree, low, high);
+            }
+            return;
+        }
+        cube = node.child[lowest];
+    }
+    const SurfaceBlock* block = &tree.blocks()[cube.index()];
+    for (std::uint32_t group = 1; group <= block->leaf.groups(); ++group) {
+        if (count_ == kMostGroups) {
+            tooMany_ = true;
+            return;
+        }
+        groups_[count_++] = &block[group].planes;
+    }
+}
+
+float SurfaceNeighbourhood::ClearReach(const Point3& origin) const {
+    if (tooMany_) return 0.0f;
+    const Float4 orgX = Broadcast(origin.x), orgY = Broadcast(origin.y), orgZ = Broadcast(origin.z);
+    const Float4 zero = Broadcast(0.0f), never = Broadcast(std::numeric_limits<float>::infinity());
+    Float4 nearest = never;
+    for (std::size_t i = 0; i < count_; ++i) {
+        const SurfacePlanes& planes = *groups_[i];
+        const Float4 nx = Load(planes.nx), ny = Load(planes.ny), nz = Load(planes.nz);
+        const Float4 distance = Abs(Load(planes.planeD) - (orgX * nx + orgY * ny + orgZ * nz));
+        const Mask4 flat = (nx == zero) & (ny == zero) & (nz == zero);  // no triangle, or one that nothing hits
+        const Float4 counted = Select(flat, never, distance);
+        nearest = Select(nearest > counted, counted, nearest);
+    }
+    const float least = std::min({Lane<0>(nearest), Lane<1>(nearest), Lane<2>(nearest), Lane<3>(nearest)});
+    return least / kLengthMargin;
+}
+
+}  // namespace tavrik

@@ -1,0 +1,139 @@
+#include "surface/surface_neighbourhood.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "tests/support/ground_meshes.h"
+#include "tests/support/test_random.h"
+
+namespace tavrik {
+namespace {
+
+using test::Digits;
+using test::TestRandom;
+
+Point3 RandomDirection(TestRandom& random) {
+    for (;;) {
+        const Point3 v = random.PointIn({{-1, -1, -1}, {1, 1, 1}});
+        const float length = Length(v);
+        if (length > 0.1f && length <= 1.0f) return v / length;
+    }
+}
+
+/// A point near a random vertex of the mesh, so that about as many segments hit as miss.
+Point3 NearGround(const SurfaceTree& tree, TestRandom& random, float away) {
+    const std::size_t i = std::size_t(random.Int(0, int(tree.numVerts()) - 1));
+    return tree.verts()[i] + RandomDirection(random) * random.Between(0.0f, away);
+}
+
+struct Tally {
+    int clear = 0, hits = 0;
+};
+
+/// Casts segments of many lengths in balls around the ground, axis-parallel ones through vertices among them.
+Tally CastEverywhere(const TriangleMesh& mesh, std::uint64_t seed) {
+    SurfaceTree tree;
+    EXPECT_TRUE(tree.Build(mesh));
+    TestRandom random(test::TestSeed(seed));
+    const float size = tree.bound().Width().x;
+    Tally tally;
+    for (int i = 0; i < test::TestRounds(4000); ++i) {
+        const float radius = size * 0.5f * std::pow(10.0f, random.Between(-4.0f, -0.5f));
+        const Point3 centre = NearGround(tree, random, 2.0f * radius);
+        const SurfaceNeighbourhood ground(tree, centre, radius);
+        for (int j = 0; j < 12; ++j) {
+            const float share = random.Between(0.0f, 1.0f);
+            const Point3 origin = centre + RandomDirection(random) * (radius * share);
+            const float longest = radius * (1.0f - share);
+            const bool alongAxis = random.Int(0, 3) == 0;
+            const Point3 axis = {0.0f, 0.0f, random.Int(0, 1) == 0 ? -1.0f : 1.0f};
+            const Point3 dir = (alongAxis ? axis : RandomDirection(random)) * (longest * random.Between(0.5f, 1.0f));
+            SurfaceRay ray;
+            ray.Set(origin, dir, 0.0f, 1.0f);
+            const bool clear = ground.ClearReach(origin) > Length(dir);
+            const bool hit = tree.Intersect(ray);
+            EXPECT_FALSE(clear && hit) << Digits(origin) << " " << Digits(dir) << " in " << Digits(centre) << " " << radius;
+            tally.clear += clear ? 1 : 0;
+            tally.hits += hit ? 1 : 0;
+        }
+    }
+    return tally;
+}
+
+TEST(SurfaceNeighbourhood, NeverCallsASegmentClearThatHitsOnHills) {
+    const Tally tally = CastEverywhere(test::HillMesh(20'000), 1);
+    EXPECT_GT(tally.clear, 5'000);
+    EXPECT_GT(tally.hits, 1'000);
+}
+
+TEST(SurfaceNeighbourhood, NeverCallsASegmentClearThatHitsOnTerracesWithVerticalWalls) {
+    const Tally tally = CastEverywhere(test::TerraceMesh(40, 250.0f, 3), 2);
+    EXPECT_GT(tally.clear, 2'000);
+    EXPECT_GT(tally.hits, 1'000);
+}
+
+TEST(SurfaceNeighbourhood, NeverCallsASegmentClearThatHitsOnSlivers) {
+    const Tally tally = CastEverywhere(test::SliverFanMesh(500, 5'000.0f), 3);
+    EXPECT_GT(tally.clear, 2'000);
+}
+
+TEST(SurfaceNeighbourhood, NeverCallsASegmentClearThatHitsOnCoplanarDoubles) {
+    const Tally tally = CastEverywhere(test::WithDoubles(test::HillMesh(2'000)), 4);
+    EXPECT_GT(tally.clear, 2'000);
+    EXPECT_GT(tally.hits, 1'000);
+}
+
+TEST(SurfaceNeighbourhood, NeverCallsASegmentClearThatHitsOnRealTerrain) {
+    TriangleMesh mesh;
+    if (!test::ReadRealGround("medium/multilayer-terrain.obj", mesh)) GTEST_SKIP() << "no real data";
+    for (Point3& p : mesh.verts) p = p * 100.0f;
+    const Tally tally = CastEverywhere(mesh, 5);
+    EXPECT_GT(tally.clear, 2'000);
+    EXPECT_GT(tally.hits, 1'000);
+}
+
+TriangleMesh OneLevelTriangle() { return {{{-1000, -1000, 0}, {1000, -1000, 0}, {0, 1000, 0}}, {{{0, 1, 2}}}}; }
+
+TEST(SurfaceNeighbourhood, ReachesAsFarAsTheNearestPlane) {
+    SurfaceTree tree;
+    ASSERT_TRUE(tree.Build(OneLevelTriangle()));
+    const SurfaceNeighbourhood ground(tree, {0, 0, 40}, 50.0f);
+    EXPECT_NEAR(ground.ClearReach({0, 0, 40}), 40.0f, 0.01f);
+}
+
+TEST(SurfaceNeighbourhood, ReachesForEverWhereNothingIsNear) {
+    SurfaceTree tree;
+    ASSERT_TRUE(tree.Build(test::HillMesh(2'000)));
+    const SurfaceNeighbourhood ground(tree, {0, 0, 1e6f}, 50.0f);
+    EXPECT_EQ(ground.ClearReach({0, 0, 1e6f}), std::numeric_limits<float>::infinity());
+}
+
+TEST(SurfaceNeighbourhood, IsSureOfNothingWhereTooManyTrianglesAreNear) {
+    SurfaceTree tree;
+    ASSERT_TRUE(tree.Build(test::HillMesh(20'000)));
+    const SurfaceNeighbourhood ground(tree, {0, 0, 0}, 5'000.0f);
+    EXPECT_EQ(ground.ClearReach({0, 0, 4'000.0f}), 0.0f);
+}
+
+TEST(SurfaceNeighbourhood, ADegenerateTriangleIsInNobodysWay) {
+    SurfaceTree tree;
+    ASSERT_TRUE(tree.Build({{{0, 0, 0}, {10, 0, 0}, {20, 0, 0}}, {{{0, 1, 2}}}}));
+    const SurfaceNeighbourhood ground(tree, {10, 0, 1}, 5.0f);
+    EXPECT_EQ(ground.ClearReach({10, 0, 1}), std::numeric_limits<float>::infinity());
+}
+
+TEST(SurfaceNeighbourhood, APlaceThatIsNoNumberMeetsNothing) {
+    SurfaceTree tree;
+    ASSERT_TRUE(tree.Build(OneLevelTriangle()));
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const SurfaceNeighbourhood ground(tree, {nan, nan, nan}, 50.0f);
+    SurfaceRay ray;
+    ray.Set({nan, nan, nan}, {0, 0, -1}, 0.0f, 1.0f);
+    EXPECT_FALSE(tree.Intersect(ray));
+    EXPECT_FALSE(ground.ClearReach({nan, nan, nan}) < 0.0f);
+}
+
+}  // namespace
+}  // namespace tavrik
