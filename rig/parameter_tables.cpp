@@ -81,24 +81,46 @@ constexpr ParamControl LabelOnly(std::string_view label) {
     return control;
 }
 
+/// A parameter that starts empty: a reference, a matrix, or a number of which no value is declared.
+constexpr ParamRow Empty(std::int32_t id, std::string_view name, ParamType type, std::uint32_t flags, std::int32_t rollout,
+                         const ParamControl& control) {
+    return {.id = id,
+            .name = name,
+            .type = type,
+            .hasDefault = false,
+            .hasRange = false,
+            .flags = flags,
+            .entries = 1,
+            .rollout = rollout,
+            .defaultValue = 0.0,
+            .low = 0.0,
+            .high = 0.0,
+            .control = control};
+}
+constexpr ParamRow Number(std::int32_t id, std::string_view name, ParamType type, double value, double low, double high,
+                          std::int32_t rollout, const ParamControl& control) {
+    ParamRow row = Empty(id, name, type, kParamPlain, rollout, control);
+    row.hasDefault = row.hasRange = true;
+    row.defaultValue = value;
+    row.low = low;
+    row.high = high;
+    return row;
+}
 constexpr ParamRow Row(std::int32_t id, std::string_view name, ParamType type, float value, float low, float high,
                        std::int32_t rollout, const ParamControl& control) {
-    return {id, name, type, kParamPlain, 1, true, double(value), true, double(low), double(high), rollout, control};
+    return Number(id, name, type, double(value), double(low), double(high), rollout, control);
 }
 constexpr ParamRow Row(std::int32_t id, std::string_view name, std::int32_t value, std::int32_t low, std::int32_t high,
                        std::int32_t rollout, const ParamControl& control) {
-    return {id, name, Int, kParamPlain, 1, true, double(value), true, double(low), double(high), rollout, control};
+    return Number(id, name, Int, double(value), double(low), double(high), rollout, control);
 }
 constexpr ParamRow Hidden(std::int32_t id, std::string_view name, std::int32_t value, std::int32_t low, std::int32_t high) {
     return Row(id, name, value, low, high, kNoRollout, {});
 }
 constexpr ParamRow Flag(std::int32_t id, std::string_view name, std::int32_t rollout, const ParamControl& control) {
-    return {id, name, Bool, kParamPlain, 1, true, 0.0, false, 0.0, 0.0, rollout, control};
-}
-/// A parameter that starts empty: a reference, a matrix, or a number of which no value is declared.
-constexpr ParamRow Empty(std::int32_t id, std::string_view name, ParamType type, std::uint32_t flags, std::int32_t rollout,
-                         const ParamControl& control) {
-    return {id, name, type, flags, 1, false, 0.0, false, 0.0, 0.0, rollout, control};
+    ParamRow row = Empty(id, name, Bool, kParamPlain, rollout, control);
+    row.hasDefault = true;  // off
+    return row;
 }
 constexpr ParamRow Animatable(ParamRow row) {
     row.flags |= kParamAnimatable;

@@ -61,13 +61,13 @@ struct ParamRow {
     std::int32_t id;
     std::string_view name;
     ParamType type;
+    bool hasDefault;       // false for references and matrices, and where none is declared
+    bool hasRange;         // false likewise, and for flags
     std::uint32_t flags;   // of `ParamFlags`
     std::int32_t entries;  // 1, or the number of values in a `WorldTable`
-    bool hasDefault;       // false for references and matrices, and where none is declared
-    double defaultValue;   // of each entry, as it is stored: it may lie outside the range
-    bool hasRange;
-    double low, high;      // what can be typed or spun, both ends included
     std::int32_t rollout;  // index into those of its table, or `kNoRollout`
+    double defaultValue;   // of each entry, as it is stored: it may lie outside the range
+    double low, high;      // what can be typed or spun, both ends included
     ParamControl control;
 };
 

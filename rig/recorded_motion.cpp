@@ -72,8 +72,10 @@ std::int32_t RecordedMotion::Store(TimeValue tick, const RigidBody& chassisBody,
                                    std::span<const double> bufferPosition, const SteerSample& steerPair) {
     assert(valid);
     if (frames == capacity) {
-        capacity += kGrowthFrames;
-        ForEachArray(*this, [this](auto& values) { Grow(values, capacity); });
+        // Room for all arrays first: once it is there nothing below can fail, so they never differ in length.
+        const std::int32_t grown = capacity + kGrowthFrames;
+        ForEachArray(*this, [grown](auto& values) { Grow(values, grown); });
+        capacity = grown;
     }
     steer.push_back(steerPair);
     chassis.push_back(SampleOf(chassisBody));

@@ -45,7 +45,7 @@ Matrix3 ComponentPose(const CarRig& rig, std::int32_t frame, ComponentType objec
         case ComponentType::Sphere:
             return ToMatrix3(Compose(rig.spheres[index].frame, chassis));
     }
-    assert(!"a component that no assembly makes");
+    assert(false && "a component that no assembly makes");
     return IdentityMatrix3();
 }
 
