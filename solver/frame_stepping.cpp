@@ -12,7 +12,7 @@ void StoreCars(CarWorld& world, TimeValue tick) {
     for (int c = 0; c < world.carCount; ++c) world.rigs[c]->Store(tick);
 }
 
-void DriveTick(DriveMaster& master, TimeValue& tickInOut, const DriveInput& input) {
+void DriveTick(DriveMaster& master, TimeValue& tickInOut, DriveInput input) {
     const double gravity = double(master.Gravity());
     const std::int32_t frameStep = master.Frame_Step();
     const std::int32_t sampleStep = master.Sample_Step();

@@ -39,6 +39,8 @@ void StoreCars(CarWorld& world, TimeValue tick);
 /// Velocities are taken as the last step left them; a run that goes on from another place of the recording than where it
 /// stopped, or after a load, calls `RefreshVelocities` first. All draws of the frame come from the generator's stream of this
 /// tick.
-void DriveTick(DriveMaster& master, TimeValue& tickInOut, const DriveInput& input);
+///
+/// @param input  a copy, so that what `BeforeSample` writes counts from the next tick on
+void DriveTick(DriveMaster& master, TimeValue& tickInOut, DriveInput input);
 
 }  // namespace tavrik

@@ -1,5 +1,7 @@
 #include "solver/sphere.h"
 
+#include "surface/surface_neighbourhood.h"
+
 namespace tavrik {
 namespace {
 
@@ -19,16 +21,28 @@ constexpr DPoint3 kIcosahedron[kSphereRays] = {
     {0, 0, -1},
 };
 
-/// A unit vector, uniform over the sphere: points of a cube, kept when they lie in a shell thick enough to divide by.
-DPoint3 RandomDirection(RandomStream& random) {
+/// A point uniform over a shell: points of a cube, kept when they lie in it.
+DPoint3 RandomShellPoint(RandomStream& random) {
     for (;;) {
         DPoint3 v;
         v.x = 2.0 * random.Rand01() - 1.0;
         v.y = 2.0 * random.Rand01() - 1.0;
         v.z = 2.0 * random.Rand01() - 1.0;
         const double squared = Dot(v, v);
-        if (squared >= 0.5 && squared <= 1.0) return v / Length(v);
+        if (squared >= 0.5 && squared <= 1.0) return v;
     }
+}
+
+/// A unit vector, uniform over the sphere.
+DPoint3 RandomDirection(RandomStream& random) {
+    const DPoint3 v = RandomShellPoint(random);
+    return v / Length(v);
+}
+
+/// Draws what RandomFrame would draw.
+void SkipRandomFrame(RandomStream& random) {
+    RandomShellPoint(random);
+    RandomShellPoint(random);
 }
 
 }  // namespace
@@ -45,8 +59,15 @@ DMatrix3 RandomFrame(RandomStream& random) {
 
 int SphereRayCast(const CollisionSphere& sphere, const SurfaceTree& surface, const RigidBody& chassisBody, RandomStream& random,
                   std::span<ContactPoint, kSphereRays> contacts) {
-    const DMatrix3 turn = RandomFrame(random);
     const Point3 centre = ToPoint3(Compose(sphere.frame, chassisBody.frame).row[3]);
+    const float radius = float(sphere.Radius);
+    if (SurfaceNeighbourhood(surface, centre, radius).ClearReach(centre) > radius) {
+        SkipRandomFrame(random);  // the numbers of later draws must not depend on what is near
+        for (ContactPoint& contact : contacts) contact.hit = 0;
+        return 0;
+    }
+
+    const DMatrix3 turn = RandomFrame(random);
     int hits = 0;
     for (std::size_t k = 0; k < kSphereRays; ++k) {
         ContactPoint& contact = contacts[k];

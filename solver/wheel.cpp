@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "surface/surface_neighbourhood.h"
+
 namespace tavrik {
 namespace {
 
@@ -9,6 +11,8 @@ constexpr int kRings = 2;
 constexpr int kRaysPerRing = kWheelRays / kRings;
 // Single precision, as in every recording so far: 3.1415927410125732.
 constexpr double kPi = double(3.14159265358979323846f);
+// The fourth root of 2, and a little.
+constexpr double kSectionReach = 1.19;
 // Larger than the square of any sliding speed; a wheel in the air answers its root.
 constexpr double kNoSlip = 1e9;
 
@@ -42,11 +46,18 @@ int WheelRayCast(const SuspensionUnit& unit, const SurfaceTree& surface, const R
     const double W = unit.Width;
     const double a = unit.Radius - unit.Width;  // of the ring's centre line
 
+    // No ray reaches further from the wheel's centre than this: the section's corners stand out 2^(1/4) times its radius.
+    const SurfaceNeighbourhood ground(surface, ToPoint3(body.frame.row[3]), float(std::abs(a) + kSectionReach * W));
+    // Both rings start at the same eight places.
     double sines[kRaysPerRing], cosines[kRaysPerRing];
+    Point3 origins[kRaysPerRing];
+    float clear[kRaysPerRing];
     for (int j = 0; j < kRaysPerRing; ++j) {
         const double theta = (j + r1) * 0.25 * kPi;
         sines[j] = std::sin(theta);
         cosines[j] = std::cos(theta);
+        origins[j] = ToPoint3(TransformPoint({sines[j] * a, cosines[j] * a, 0.0}, body.frame));
+        clear[j] = ground.ClearReach(origins[j]);
     }
 
     int hits = 0;
@@ -54,14 +65,15 @@ int WheelRayCast(const SuspensionUnit& unit, const SurfaceTree& surface, const R
     for (int ring = -1; ring <= 0; ++ring) {
         const double phi = (ring + r2) * 0.5 * kPi;
         const auto [k, s, m] = PointOnSection(phi);
+        const float reach = float(std::sqrt(k * k + s * s) * W);
         for (int j = 0; j < kRaysPerRing; ++j, ++c) {
             ContactPoint& contact = contacts[c];
             contact.hit = 0;
+            if (clear[j] > reach) continue;
             const double st = sines[j], ct = cosines[j];
             const DPoint3 skin = TransformPoint({st * k * W, ct * k * W, s * W}, rot);
-            const DPoint3 origin = TransformPoint({st * a, ct * a, 0.0}, body.frame);
             SurfaceRay ray;
-            ray.Set(ToPoint3(origin), ToPoint3(skin), 0.0f, 1.0f);
+            ray.Set(origins[j], ToPoint3(skin), 0.0f, 1.0f);
             if (!surface.Intersect(ray)) continue;
 
             const float t = ray.tmax;
