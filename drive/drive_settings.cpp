@@ -1,5 +1,7 @@
 #include "drive/drive_settings.h"
 
+#include "rig/parameter_tables.h"
+
 namespace tavrik {
 
 DriveSettings StockCarSettings() {
@@ -7,6 +9,22 @@ DriveSettings StockCarSettings() {
     settings.Rudder_Sensitivity = 30.0f;
     settings.Rudder_Angle = 38.0f;
     settings.Throttle_Sensitivity = 5000.0f;
+    return settings;
+}
+
+DriveSettings ReadDriveSettings(const ParamBlock& params) {
+    DriveSettings settings;
+    settings.Gravity = params.GetFloat(MasterParam::Gravity);
+    settings.Frame_Step = params.GetInt(MasterParam::Frame_Step);
+    settings.Sample_Step = params.GetInt(MasterParam::Sample_Step);
+    settings.Rudder_Sensitivity = params.GetFloat(MasterParam::Rudder_Sensitivity);
+    settings.Rudder_Angle = params.GetFloat(MasterParam::Rudder_Angle);
+    settings.Throttle_Sensitivity = params.GetFloat(MasterParam::Throttle_Sensitivity);
+    settings.Brake_Sensitivity = params.GetFloat(MasterParam::Brake_Sensitivity);
+    settings.Max_Drift_Speed = params.GetFloat(MasterParam::Max_Drift_Speed);
+    settings.Differencial_Drive_Sensitivity = params.GetFloat(MasterParam::Differencial_Drive_Sensitivity);
+    settings.Bike_Drive = params.GetInt(MasterParam::Bike_Drive);
+    settings.Balance_Force = params.GetFloat(MasterParam::Balance_Force);
     return settings;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "drive/param_block.h"
 #include "solver/drive_input.h"
 
 namespace tavrik {
@@ -23,6 +24,9 @@ struct DriveSettings {
 
 /// The settings that suit the stock car: a steering that a driver can keep up with, and an engine to match.
 DriveSettings StockCarSettings();
+
+/// The settings of a master object, from its parameters.
+DriveSettings ReadDriveSettings(const ParamBlock& params);
 
 /// Copies the settings into `input`.
 /// @param kilometresPerUnit  of the scene's unit, 1e-5 for centimetres

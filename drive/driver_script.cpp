@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
+#include "drive/input_modes.h"
+
 namespace tavrik {
 namespace {
 
 // What a key held down asks for, of throttle and of brake.
 constexpr float kFullDemand = 4.0f;
-
-/// The largest steering angle in radians, single precision in this order, as every way of steering computes it.
-float LargestSteering(const DriveInput& input) { return input.rudderAngle / 180.0f * 3.1415927f; }
 
 }  // namespace
 

@@ -1,0 +1,53 @@
+#pragma once
+/// What driving needs of windows. Each layer (the desktop application, the host, a test) supplies its own.
+
+#include <cstdint>
+#include <string_view>
+
+#include "drive/canvas.h"
+
+namespace tavrik {
+
+/// A window of the layer; 0 is none.
+using WindowId = std::uintptr_t;
+
+enum class WindowKind : std::uint8_t {
+    Drive,   // 200 x 70 dialog units, no border, no title, no controls
+    Prompt,  // 150 x 25 dialog units, likewise
+};
+
+constexpr std::uint32_t kMessageBoxError = 16;  // the stop icon
+constexpr std::uint8_t kSeeThroughAlpha = 229;  // of 255
+constexpr std::uint32_t kTimerId = 1;           // of every window here
+
+class WindowLayer {
+ public:
+    virtual ~WindowLayer() = default;
+    /// Opens a window without waiting for it. @return 0 when that fails
+    virtual WindowId CreateDialogWindow(WindowKind kind) = 0;
+    virtual void DestroyWindow(WindowId window) = 0;
+    /// Lets the host's message loop serve the window.
+    virtual void RegisterDlgWnd(WindowId window) = 0;
+    virtual void UnRegisterDlgWnd(WindowId window) = 0;
+    /// Makes the window see-through: 255 is solid.
+    virtual void SetAlpha(WindowId window, std::uint8_t alpha) = 0;
+    /// Mouse moves outside of the window keep arriving.
+    virtual void SetCapture(WindowId window) = 0;
+    virtual void ReleaseCapture() = 0;
+    virtual void SetTimer(WindowId window, std::uint32_t timer, std::uint32_t milliseconds) = 0;
+    virtual void KillTimer(WindowId window, std::uint32_t timer) = 0;
+    /// Lets the mouse drag the window by its face.
+    virtual void BeginDrag(WindowId window) = 0;
+    /// The window's canvas, to be given back at once.
+    virtual Canvas& GetDC(WindowId window) = 0;
+    virtual void ReleaseDC(WindowId window) = 0;
+    /// As GetDC, in answer to a paint message.
+    virtual Canvas& BeginPaint(WindowId window) = 0;
+    virtual void EndPaint(WindowId window) = 0;
+    virtual void ShowMessageBox(WindowId owner, std::string_view text, std::string_view title, std::uint32_t flags) = 0;
+    /// The host's own keyboard shortcuts; calls are counted by the host.
+    virtual void DisableAccelerators() = 0;
+    virtual void EnableAccelerators() = 0;
+};
+
+}  // namespace tavrik
