@@ -135,7 +135,7 @@ void DriveSession::StartDrive() {
     if (running != 0) return;
     ReadSettings();
     TargetDriver* target = master_.Target();
-    if (input.drivingType == kDriveToTarget && target != nullptr && target->HasTarget() && target->TargetIsShape()) {
+    if (target != nullptr && target->HasTarget() && target->TargetIsShape() && input.drivingType == kDriveToTarget) {
         target->BuildPath();
         input.drivingType = kDriveAlongPath;
     }

@@ -28,6 +28,20 @@ DriveSettings ReadDriveSettings(const ParamBlock& params) {
     return settings;
 }
 
+void WriteDriveSettings(const DriveSettings& settings, ParamBlock& params) {
+    params.SetFloat(MasterParam::Gravity, settings.Gravity);
+    params.SetInt(MasterParam::Frame_Step, settings.Frame_Step);
+    params.SetInt(MasterParam::Sample_Step, settings.Sample_Step);
+    params.SetFloat(MasterParam::Rudder_Sensitivity, settings.Rudder_Sensitivity);
+    params.SetFloat(MasterParam::Rudder_Angle, settings.Rudder_Angle);
+    params.SetFloat(MasterParam::Throttle_Sensitivity, settings.Throttle_Sensitivity);
+    params.SetFloat(MasterParam::Brake_Sensitivity, settings.Brake_Sensitivity);
+    params.SetFloat(MasterParam::Max_Drift_Speed, settings.Max_Drift_Speed);
+    params.SetFloat(MasterParam::Differencial_Drive_Sensitivity, settings.Differencial_Drive_Sensitivity);
+    params.SetInt(MasterParam::Bike_Drive, settings.Bike_Drive);
+    params.SetFloat(MasterParam::Balance_Force, settings.Balance_Force);
+}
+
 void ApplySettings(const DriveSettings& settings, double kilometresPerUnit, DriveInput& input) {
     input.rudderSensitivity = settings.Rudder_Sensitivity;
     input.rudderAngle = settings.Rudder_Angle;

@@ -28,6 +28,9 @@ DriveSettings StockCarSettings();
 /// The settings of a master object, from its parameters.
 DriveSettings ReadDriveSettings(const ParamBlock& params);
 
+/// The way back.
+void WriteDriveSettings(const DriveSettings& settings, ParamBlock& params);
+
 /// Copies the settings into `input`.
 /// @param kilometresPerUnit  of the scene's unit, 1e-5 for centimetres
 void ApplySettings(const DriveSettings& settings, double kilometresPerUnit, DriveInput& input);

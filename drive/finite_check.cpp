@@ -3,6 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
+#include <limits>
+#include <vector>
+
+#include "solver/frame_stepping.h"
 
 namespace tavrik {
 namespace {
@@ -26,6 +31,15 @@ struct Suspect {
     double strain;
     std::string text;
 };
+
+std::string DescribeNonFinite(const CarRig& rig, const NonFiniteSample& bad, TimeValue startTick, double dt) {
+    const TimeValue tick = rig.motion.times[std::size_t(bad.frame)];
+    char second[32];
+    std::snprintf(second, sizeof second, "%.3f", double(TicksBetween(startTick, tick)) / kTicksPerSecond);
+    const std::string body = bad.unit < 0 ? "chassis" : "wheel " + std::to_string(bad.unit + 1);
+    return std::string("The run stopped at second ") + second + ": the motion of the " + body +
+           " is no longer a finite number; " + LikelyCause(rig, dt) + ".";
+}
 
 }  // namespace
 
@@ -66,6 +80,24 @@ std::string LikelyCause(const CarRig& rig, double dt) {
         return "the driving forces or the start are out of all proportion to the car's size and mass";
     }
     return "the " + worst->text + " is likely too high for the step: lower it, or raise Sample_Step";
+}
+
+bool KeepFiniteSamples(CarWorld& world, std::int32_t newSamples, TimeValue startTick, double dt, std::string& problem) {
+    const CarRig* worst = nullptr;
+    NonFiniteSample first{std::numeric_limits<std::int32_t>::max(), -1};
+    for (std::int32_t c = 0; c < world.carCount; ++c) {
+        const CarRig& rig = *world.rigs[c];
+        NonFiniteSample bad;
+        if (!FindNonFinite(rig, std::max(1, rig.motion.frames - newSamples), bad)) continue;
+        if (worst != nullptr && rig.motion.times[std::size_t(bad.frame)] >= worst->motion.times[std::size_t(first.frame)])
+            continue;
+        worst = &rig;
+        first = bad;
+    }
+    if (worst == nullptr) return true;
+    problem = DescribeNonFinite(*worst, first, startTick, dt);
+    RewindCars(world, worst->motion.times[std::size_t(first.frame) - 1]);
+    return false;
 }
 
 }  // namespace tavrik

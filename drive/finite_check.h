@@ -4,6 +4,7 @@
 #include <string>
 
 #include "rig/car_rig.h"
+#include "solver/car_world.h"
 
 namespace tavrik {
 
@@ -20,5 +21,14 @@ bool FindNonFinite(const CarRig& rig, std::int32_t firstFrame, NonFiniteSample& 
 /// Likely reasons for numbers that blow up: a stiffness too high for steps of `dt` seconds on the mass that it moves, say.
 /// One clause for the end of a sentence.
 std::string LikelyCause(const CarRig& rig, double dt);
+
+/// Looks at the newest samples of every car that is driven. Where one isn't finite, every car goes back to the last sample in
+/// which all numbers are sound.
+///
+/// @param newSamples  how many the last frame stored
+/// @param startTick   where second 0 lies, for the message
+/// @param dt          of a solver step, s
+/// @param problem     on false: at which second, of which body, and what likely caused it
+bool KeepFiniteSamples(CarWorld& world, std::int32_t newSamples, TimeValue startTick, double dt, std::string& problem);
 
 }  // namespace tavrik

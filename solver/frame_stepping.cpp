@@ -4,8 +4,14 @@
 
 namespace tavrik {
 
-void RewindCars(CarWorld& world, TimeValue tick) {
-    for (int c = 0; c < world.carCount; ++c) world.rigs[c]->Rewind(tick);
+bool RewindCars(CarWorld& world, TimeValue tick) {
+    bool forgot = false;
+    for (int c = 0; c < world.carCount; ++c) {
+        CarRig& rig = *world.rigs[c];
+        const std::int32_t frames = rig.motion.frames;
+        forgot |= rig.Rewind(tick) < frames;
+    }
+    return forgot;
 }
 
 void StoreCars(CarWorld& world, TimeValue tick) {
@@ -26,7 +32,9 @@ void DriveTick(DriveMaster& master, TimeValue& tickInOut, DriveInput input) {
     CarWorld& world = master.World();
     world.random.BeginTick(tick);
     // Half a sample back lies between the last sample before this frame and its first one, so no tick has to match exactly.
-    RewindCars(world, tick - ticksPerFrame / frameStep / 2);
+    if (RewindCars(world, tick - ticksPerFrame / frameStep / 2)) {
+        for (int c = 0; c < world.carCount; ++c) RefreshVelocities(*world.rigs[c]);
+    }
 
     const double dt = double(ticksPerFrame) / double(frameStep) / double(sampleStep) / double(kTicksPerSecond);
     for (std::int32_t i = 0; i < frameStep; ++i) {

@@ -27,8 +27,9 @@ class DriveMaster {
     virtual void BeforeSample() {}
 };
 
-/// Puts every car of the world back to the recorded state at or before `tick`.
-void RewindCars(CarWorld& world, TimeValue tick);
+/// Puts every car of the world back to the recorded state at or before `tick`. Velocities stay what they were.
+/// @return whether a recording lost frames by it
+bool RewindCars(CarWorld& world, TimeValue tick);
 
 /// Appends the present state of every car to its recording, at `tick`.
 void StoreCars(CarWorld& world, TimeValue tick);
@@ -36,9 +37,9 @@ void StoreCars(CarWorld& world, TimeValue tick);
 /// Drives one scene frame and moves `tickInOut` on by it. Goes on from what is recorded just before the frame and drops what
 /// was recorded after. Without a ground, or where the frame would pass the end of the animation range, nothing changes.
 ///
-/// Velocities are taken as the last step left them; a run that goes on from another place of the recording than where it
-/// stopped, or after a load, calls `RefreshVelocities` first. All draws of the frame come from the generator's stream of this
-/// tick.
+/// A run that goes on where it stopped takes the velocities that its last step left; one that was taken back derives them anew,
+/// and so gives the bits of a run that never stopped. What puts a recording in place itself, a load say, calls
+/// `RefreshVelocities` before the first tick. All draws of the frame come from the generator's stream of this tick.
 ///
 /// @param input  a copy, so that what `BeforeSample` writes counts from the next tick on
 void DriveTick(DriveMaster& master, TimeValue& tickInOut, DriveInput input);

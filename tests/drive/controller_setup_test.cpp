@@ -9,7 +9,7 @@
 
 #include "drive/window_messages.h"
 #include "fake_controls.h"
-#include "fake_windows.h"
+#include "tests/drive/fake_windows.h"
 #include "rig/parameter_tables.h"
 
 namespace tavrik {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "recording_canvas.h"
+#include "tests/drive/recording_canvas.h"
 
 namespace tavrik {
 namespace {

@@ -15,7 +15,7 @@
 
 #include "drive/damper_drawing.h"
 #include "drive/window_messages.h"
-#include "recording_canvas.h"
+#include "tests/drive/recording_canvas.h"
 
 namespace tavrik {
 namespace {

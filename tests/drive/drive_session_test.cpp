@@ -61,8 +61,7 @@ const Calls kHudRedraw = {"GetDC(1)", "ReleaseDC(1)"};
 const Calls kPortScan = {"XInputGetState(0)", "XInputGetState(1)", "XInputGetState(2)", "XInputGetState(3)"};
 const Calls kBuildWorld = {"World()", "LinkHitches()", "CollectPushes()"};
 
-// ------------------------------------------------------------------------------------------------------------------- a new
-// session
+// --- a new session
 
 TEST_F(DriveSessionTest, ANewOneIsClosedAndCleared) {
     EXPECT_EQ(session.window, 0u);
@@ -93,8 +92,7 @@ TEST_F(DriveSessionTest, ANewOneHasAFirstSetOfValues) {
     EXPECT_EQ(session.keys.keyThrottle, 0);
 }
 
-// -----------------------------------------------------------------------------------------------------------------------
-// OpenDrive
+// --- OpenDrive
 
 TEST_F(OpenDrive, ACarThatIsNotAssembledEndsInAMessageBox) {
     master.rig->ResetMotion();
@@ -211,8 +209,7 @@ TEST_F(OpenDrive, AWindowThatCouldNotBeMadeIsNotTested) {
     EXPECT_EQ(session.window, 0u);
 }
 
-// --------------------------------------------------------------------------------------------------------------------
-// ReadSettings
+// --- ReadSettings
 
 TEST_F(ReadSettings, TakesTheMastersRig) {
     session.ReadSettings();
@@ -400,8 +397,7 @@ TEST_F(ReadSettings, TouchesNothingThatADriverFills) {
     EXPECT_EQ(Bits(session.input), Bits(expected));
 }
 
-// ----------------------------------------------------------------------------------------------------------------------
-// StartDrive
+// --- StartDrive
 
 TEST_F(StartDrive, MakesItsCallsInOrder) {
     Open();
@@ -481,8 +477,7 @@ TEST_F(StartDrive, RunsBeforeTheAcceleratorsGo) {
     EXPECT_TRUE(running);
 }
 
-// ----------------------------------------------------------------------------------------------------------- StopDrive,
-// CloseDrive
+// --- StopDrive, CloseDrive
 
 const Calls kStopCalls =
     Made("KillTimer(1, 1)", "EnableAccelerators()", "ReleaseCapture()") + kHudRedraw + Made("RebuildTrails()");
@@ -585,8 +580,7 @@ TEST_F(Accelerators, ASecondPressOfDriveTakesNone) {
     EXPECT_EQ(windows.AcceleratorBalance(), -1);
 }
 
-// --------------------------------------------------------------------------------------------------------------- window
-// messages
+// --- window messages
 
 TEST_F(WindowMessage, AMouseMoveIsKeptAsTwoSignedWords) {
     EXPECT_TRUE(Send(kWmMouseMove, 0, 0x8000FFFEu));
@@ -748,8 +742,7 @@ TEST_F(WindowMessage, AnythingElseIsNotHandled) {
     EXPECT_EQ(session.running, 0u);
 }
 
-// -------------------------------------------------------------------------------------------------------------------------
-// keys
+// --- keys
 
 TEST_F(DriveKey, ThrottleIsHeldFromDownToUp) {
     Open();
@@ -952,8 +945,7 @@ TEST_F(DriveKey, AnActionOnEscapeIsSetByItsDownAndStaysAsItsReleaseStops) {
     EXPECT_EQ(input().handBrake, 1);
 }
 
-// --------------------------------------------------------------------------------------------------------------------
-// InputTick
+// --- InputTick
 
 const Calls kFrameOnNothing = {"World()"};
 
@@ -1149,8 +1141,7 @@ TEST_F(InputTick, AnUnknownDrivingTypeLeavesTheInput) {
     EXPECT_EQ(Bits(session.input), before);
 }
 
-// ---------------------------------------------------------------------------------------------------------- types 3 and 4: a
-// target
+// --- types 3 and 4: a target
 
 TEST_F(TargetDriving, ANodeThatIsNoShapeIsDrivenTo) {
     Set(MasterParam::Driving_Type, 3);
@@ -1295,8 +1286,7 @@ TEST_F(TargetDriving, WhatIsAskedBeforeASampleDoesNotReachTheFrameUnderWay) {
     EXPECT_NE(HashOfTargetFrame(4.0f, -5.0f), HashOfTargetFrame(0.0f, -5.0f));  // what the tick asked for does
 }
 
-// ----------------------------------------------------------------------------------------------------------------- a tick in a
-// tick
+// --- a tick in a tick
 
 TEST_F(TickInATick, IsDropped) {
     for (const char* call : {"SetTime(0, 1)", "GetDC(1)", "NotifyMasters()", "RedrawViews(0)"}) {
@@ -1364,8 +1354,7 @@ TEST_F(TickInATick, AStopInsideIsMadeAtOnce) {
     EXPECT_EQ(session.running, 0u);
 }
 
-// ------------------------------------------------------------------------------------------------------------- states and
-// prompts
+// --- states and prompts
 
 TEST_F(SessionState, FromClosedToIdleByDrive) {
     session.OpenDrive();

@@ -1,4 +1,4 @@
-#include "fake_windows.h"
+#include "tests/drive/fake_windows.h"
 
 #include <iomanip>
 #include <sstream>

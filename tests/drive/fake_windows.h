@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "drive/window_layer.h"
-#include "recording_canvas.h"
+#include "tests/drive/recording_canvas.h"
 
 namespace tavrik::test {
 

@@ -27,8 +27,7 @@ DriveInput Stale() {
     return input;
 }
 
-// ------------------------------------------------------------------------------------------------------------------------
-// mouse
+// --- mouse
 
 /// The mouse `dx` pixels right of where the run began and `dy` below.
 DriveInput MouseAt(float dx, float dy, bool reverse = false) {
@@ -90,8 +89,7 @@ TEST(FillFromMouse, TheHandBrakeAddsNoBrake) {
     EXPECT_EQ(input.handBrake, 1);
 }
 
-// ---------------------------------------------------------------------------------------------------------------------
-// keyboard
+// --- keyboard
 
 TEST(FillFromKeyboard, NoKeyClearsEverything) {
     DriveInput input = Stale();
@@ -165,8 +163,7 @@ TEST(FillFromKeyboard, NitroTriplesBrakeAndRatioButNotTheAngle) {
     EXPECT_EQ(input.steerTarget, LargestSteering(input));
 }
 
-// -------------------------------------------------------------------------------------------------------------------- beside a
-// path
+// --- beside a path
 
 DriveInput BesidePath(DriveInput input, float fromPath) {
     ClearBeforePath(input);
@@ -236,8 +233,7 @@ TEST(FillBesidePath, NitroTriplesAllButTheAngle) {
     EXPECT_EQ(input.steerTarget, -LargestSteering(input));
 }
 
-// ---------------------------------------------------------------------------------------------------------------------
-// gamepads
+// --- gamepads
 
 struct FillFromGamepadTest : testing::Test {
     enum : std::uint32_t { kForward = 0x8000, kBackward = 0x2000, kBrake = 0x4000, kHandBrake = 0x1000, kNitro = 0x200 };
@@ -609,8 +605,7 @@ TEST_F(FillFromLostPadTest, PortMinusOneIsAPadThatIsNotThere) {
     EXPECT_EQ(input.throttle, 2.25f);
 }
 
-// -------------------------------------------------------------------------------------------------- all arithmetic, bit for
-// bit
+// --- all arithmetic, bit for bit
 
 TEST(LargestSteering, DividesFirstAndMultipliesThen) {
     TestRandom random(TestSeed(41));

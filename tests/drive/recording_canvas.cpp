@@ -1,4 +1,4 @@
-#include "recording_canvas.h"
+#include "tests/drive/recording_canvas.h"
 
 #include <iomanip>
 #include <ostream>

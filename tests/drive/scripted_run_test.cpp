@@ -1,4 +1,4 @@
-#include "drive/scripted_run.h"
+#include "tests/drive/scripted_run.h"
 
 #include <gtest/gtest.h>
 

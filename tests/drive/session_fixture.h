@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "drive/drive_session.h"
-#include "fake_windows.h"
+#include "tests/drive/fake_windows.h"
 #include "rig/car_rig.h"
 
 namespace tavrik::test {

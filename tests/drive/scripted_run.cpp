@@ -1,7 +1,5 @@
-#include "drive/scripted_run.h"
+#include "tests/drive/scripted_run.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <limits>
 
 #include "drive/finite_check.h"
@@ -31,15 +29,6 @@ double StepSeconds(const ScriptedRun& run) {
     return double(run.ticksPerFrame) / run.settings.Frame_Step / run.settings.Sample_Step / kTicksPerSecond;
 }
 
-std::string DescribeNonFinite(const ScriptedRun& run, const CarRig& rig, const NonFiniteSample& bad) {
-    const TimeValue tick = rig.motion.times[std::size_t(bad.frame)];
-    char second[32];
-    std::snprintf(second, sizeof second, "%.3f", double(TicksBetween(run.startTick, tick)) / kTicksPerSecond);
-    const std::string body = bad.unit < 0 ? "chassis" : "wheel " + std::to_string(bad.unit + 1);
-    return std::string("The run stopped at second ") + second + ": the motion of the " + body +
-           " is no longer a finite number; " + LikelyCause(rig, StepSeconds(run)) + ".";
-}
-
 }  // namespace
 
 void ResumeAt(ScriptedRun& run, TimeValue tick) {
@@ -59,19 +48,9 @@ bool DriveFrame(ScriptedRun& run, std::string& problem) {
     run.world->random.Seed(run.seed);
     DriveTick(master, run.tick, input);
 
-    for (int c = 0; c < run.world->carCount; ++c) {
-        CarRig& rig = *run.world->rigs[c];
-        NonFiniteSample bad;
-        const std::int32_t firstNew = std::max(1, rig.motion.frames - run.settings.Frame_Step);
-        if (!FindNonFinite(rig, firstNew, bad)) continue;
-        problem = DescribeNonFinite(run, rig, bad);
-        // Every car goes back to the last sample in which all numbers are sound.
-        const TimeValue lastGood = rig.motion.times[std::size_t(bad.frame) - 1];
-        RewindCars(*run.world, lastGood);
-        run.tick = frameTick;
-        return false;
-    }
-    return true;
+    if (KeepFiniteSamples(*run.world, run.settings.Frame_Step, run.startTick, StepSeconds(run), problem)) return true;
+    run.tick = frameTick;
+    return false;
 }
 
 }  // namespace tavrik
