@@ -1,5 +1,7 @@
 #include "solver/sphere.h"
 
+#include <cmath>
+
 #include "surface/surface_neighbourhood.h"
 
 namespace tavrik {
@@ -20,6 +22,11 @@ constexpr DPoint3 kIcosahedron[kSphereRays] = {
     {0.723607, -0.525731, -0.447214},
     {0, 0, -1},
 };
+
+// Rays are this many radii long at most. They are longer than one when the two vectors that a frame is made of were drawn
+// equal: the second one may then be no more than a copy of the first, and a ray that goes along both gets (0.723607 + 0.525731)
+// of it.
+constexpr double kLongestRay = 1.2494;
 
 /// A point uniform over a shell: points of a cube, kept when they lie in it.
 DPoint3 RandomShellPoint(RandomStream& random) {
@@ -60,8 +67,8 @@ DMatrix3 RandomFrame(RandomStream& random) {
 int SphereRayCast(const CollisionSphere& sphere, const SurfaceTree& surface, const RigidBody& chassisBody, RandomStream& random,
                   std::span<ContactPoint, kSphereRays> contacts) {
     const Point3 centre = ToPoint3(Compose(sphere.frame, chassisBody.frame).row[3]);
-    const float radius = float(sphere.Radius);
-    if (SurfaceNeighbourhood(surface, centre, radius).ClearReach(centre) > radius) {
+    const float reach = float(std::abs(sphere.Radius) * kLongestRay);
+    if (SurfaceNeighbourhood(surface, centre, reach).ClearReach(centre) > reach) {
         SkipRandomFrame(random);  // the numbers of later draws must not depend on what is near
         for (ContactPoint& contact : contacts) contact.hit = 0;
         return 0;

@@ -1,5 +1,6 @@
 #include "solver/wheel.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "surface/surface_neighbourhood.h"
@@ -31,6 +32,15 @@ SectionPoint PointOnSection(double phi) {
     return {k, s, Normalize(DPoint3{k * k * k, s * s * s, 0.0})};
 }
 
+/// No vector grows by more than this under rows 0..2 of `frame`. A node's scale comes along with its frame and is never taken
+/// out.
+double MostStretch(const DMatrix3& frame) {
+    // The largest eigenvalue of frame * frame^T, and no sum of magnitudes along one of its rows is below that of all.
+    const DPoint3 &x = frame.row[0], &y = frame.row[1], &z = frame.row[2];
+    const double xy = std::abs(Dot(x, y)), yz = std::abs(Dot(y, z)), zx = std::abs(Dot(z, x));
+    return std::sqrt(std::max({Dot(x, x) + xy + zx, Dot(y, y) + xy + yz, Dot(z, z) + yz + zx}));
+}
+
 }  // namespace
 
 BodyInverseInertia WheelInertia(const SuspensionUnit& unit, const RigidBody& body) {
@@ -47,7 +57,9 @@ int WheelRayCast(const SuspensionUnit& unit, const SurfaceTree& surface, const R
     const double a = unit.Radius - unit.Width;  // of the ring's centre line
 
     // No ray reaches further from the wheel's centre than this: the section's corners stand out 2^(1/4) times its radius.
-    const SurfaceNeighbourhood ground(surface, ToPoint3(body.frame.row[3]), float(std::abs(a) + kSectionReach * W));
+    const double stretch = MostStretch(rot), section = std::abs(W) * stretch;
+    const SurfaceNeighbourhood ground(surface, ToPoint3(body.frame.row[3]),
+                                      float(std::abs(a) * stretch + kSectionReach * section));
     // Both rings start at the same eight places.
     double sines[kRaysPerRing], cosines[kRaysPerRing];
     Point3 origins[kRaysPerRing];
@@ -65,7 +77,7 @@ int WheelRayCast(const SuspensionUnit& unit, const SurfaceTree& surface, const R
     for (int ring = -1; ring <= 0; ++ring) {
         const double phi = (ring + r2) * 0.5 * kPi;
         const auto [k, s, m] = PointOnSection(phi);
-        const float reach = float(std::sqrt(k * k + s * s) * W);
+        const float reach = float(std::sqrt(k * k + s * s) * section);
         for (int j = 0; j < kRaysPerRing; ++j, ++c) {
             ContactPoint& contact = contacts[c];
             contact.hit = 0;

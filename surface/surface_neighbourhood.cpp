@@ -15,6 +15,12 @@ constexpr float kLengthMargin = 1.0001f;
 // Of the largest coordinate in play: what a point on a segment may be off by rounding.
 constexpr float kPlaceMargin = 1e-6f;
 
+// What is lost where products fall below the smallest floats is far below this.
+constexpr float kTinyMargin = 1e-37f;
+// The square of a normal's length, for which kLengthMargin leaves room. Only that of a triangle so small that the square of its
+// area falls below the smallest floats is longer.
+constexpr float kLongestNormalSquared = 1.0001f;
+
 float LargestCoordinate(const Point3& p) { return std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)}); }
 
 }  // namespace
@@ -23,7 +29,7 @@ SurfaceNeighbourhood::SurfaceNeighbourhood(const SurfaceTree& tree, const Point3
     assert(tree.built());
     const Box3& bound = tree.bound();
     const float largest = std::max({LargestCoordinate(bound.pmin), LargestCoordinate(bound.pmax), LargestCoordinate(centre)});
-    const float reach = radius * kLengthMargin + largest * kPlaceMargin;
+    const float reach = radius * kLengthMargin + largest * kPlaceMargin + kTinyMargin;
     const Float4 middle = Float4From(centre.x, centre.y, centre.z, 0.0f);
     const Float4 low = middle - Broadcast(reach), high = middle + Broadcast(reach);
     Gather(tree.root(), tree, low, high);
@@ -46,16 +52,19 @@ void SurfaceNeighbourhood::Gather(SurfaceLink cube, const SurfaceTree& tree, Flo
     }
     const SurfaceBlock* block = &tree.blocks()[cube.index()];
     for (std::uint32_t group = 1; group <= block->leaf.groups(); ++group) {
-        if (count_ == kMostGroups) {
-            tooMany_ = true;
+        const SurfacePlanes& planes = block[group].planes;
+        const Float4 nx = Load(planes.nx), ny = Load(planes.ny), nz = Load(planes.nz);
+        const Mask4 tooLong = nx * nx + ny * ny + nz * nz > Broadcast(kLongestNormalSquared);
+        if (count_ == kMostGroups || Bits(tooLong) != 0) {
+            unsure_ = true;
             return;
         }
-        groups_[count_++] = &block[group].planes;
+        groups_[count_++] = &planes;
     }
 }
 
 float SurfaceNeighbourhood::ClearReach(const Point3& origin) const {
-    if (tooMany_) return 0.0f;
+    if (unsure_) return 0.0f;
     const Float4 orgX = Broadcast(origin.x), orgY = Broadcast(origin.y), orgZ = Broadcast(origin.z);
     const Float4 zero = Broadcast(0.0f), never = Broadcast(std::numeric_limits<float>::infinity());
     Float4 nearest = never;
@@ -68,7 +77,7 @@ float SurfaceNeighbourhood::ClearReach(const Point3& origin) const {
         nearest = Select(nearest > counted, counted, nearest);
     }
     const float least = std::min({Lane<0>(nearest), Lane<1>(nearest), Lane<2>(nearest), Lane<3>(nearest)});
-    return least / kLengthMargin;
+    return std::max(0.0f, least / kLengthMargin - kTinyMargin);
 }
 
 }  // namespace tavrik

@@ -21,7 +21,8 @@ class SurfaceNeighbourhood {
     SurfaceNeighbourhood(const SurfaceTree& tree, const Point3& centre, float radius);
 
     /// How far a segment from `origin` reaches before it can hit anything: no segment of at most that length that starts there,
-    /// and lies in the gathered ball, hits. World space, scene units. Infinite where nothing is near, 0 where too much is.
+    /// and lies in the gathered ball, hits. World space, scene units. Infinite where nothing is near, 0 where too much is or a
+    /// triangle too small to tell.
     float ClearReach(const Point3& origin) const;
 
  private:
@@ -31,7 +32,7 @@ class SurfaceNeighbourhood {
 
     const SurfacePlanes* groups_[kMostGroups];
     std::size_t count_ = 0;
-    bool tooMany_ = false;
+    bool unsure_ = false;  // too much is gathered, or a triangle of which distances can't be told
 };
 
 }  // namespace tavrik

@@ -9,8 +9,8 @@
 
 #include "drive/window_messages.h"
 #include "fake_controls.h"
-#include "tests/drive/fake_windows.h"
 #include "rig/parameter_tables.h"
+#include "tests/drive/fake_windows.h"
 
 namespace tavrik {
 namespace {

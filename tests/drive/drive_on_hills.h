@@ -1,9 +1,9 @@
 #pragma once
 /// The scripted drive that tests of whole runs share: the stock car on rolling hills with every pedal used.
 
-#include "tests/drive/scripted_run.h"
 #include "rig/stock_car.h"
 #include "solver/world_building.h"
+#include "tests/drive/scripted_run.h"
 
 namespace tavrik::test {
 

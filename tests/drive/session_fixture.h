@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "drive/drive_session.h"
-#include "tests/drive/fake_windows.h"
 #include "rig/car_rig.h"
+#include "tests/drive/fake_windows.h"
 
 namespace tavrik::test {
 

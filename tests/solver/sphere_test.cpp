@@ -143,6 +143,17 @@ TEST(SphereRayCast, ABallWhoseCentreIsFarBelowTheGroundFindsNothing) {
     EXPECT_EQ(Hits(contacts), 0);
 }
 
+TEST(SphereRayCast, TwoEqualDrawsLeaveAFrameThatIsNotSquareAndRaysBeyondTheBall) {
+    // Both vectors come out as (1, 1, 8) / sqrt(66), since what rounding leaves of their difference points that way too.
+    const std::vector<double> known = {0.54931640625, 0.54931640625, 0.89453125};
+    RandomStream random;
+    random.Feed(known);
+    Contacts contacts{};
+    SphereRayCast(Ball(20.0), FlatGround(), ChassisAt(23.0), random, contacts);
+    EXPECT_EQ(Hits(contacts), 1);
+    EXPECT_NEAR(contacts[4].depth, 20.0 * (1.0 - 23.0 / (20.0 * 1.249338 * 8.0 / std::sqrt(66.0))), 1e-4);
+}
+
 std::unique_ptr<CarRig> CarOnBalls(double height) {
     auto rig = std::make_unique<CarRig>();
     MakeBareCar(*rig, {0, 0, height});

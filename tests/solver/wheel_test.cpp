@@ -129,6 +129,33 @@ TEST(WheelRayCast, RaysReachToTheSkinAndNoFurther) {
     EXPECT_LT(deepest, 2.0);
 }
 
+TEST(WheelRayCast, AScaledFrameScalesTheWholeTyre) {
+    const std::vector<double> known = {0.0};
+    RandomStream random;
+    random.Feed(known);
+    RigidBody wheel = StandingWheel(2.0 * kRadius - 2.0);
+    for (int r = 0; r < 3; ++r) wheel.frame.row[r] = wheel.frame.row[r] * 2.0;
+    Contacts contacts{};
+    Cast(wheel, random, contacts);
+    EXPECT_EQ(Hits(contacts), 1);
+    EXPECT_NEAR(contacts[12].depth, 2.0, 1e-5);
+}
+
+TEST(WheelRayCast, ALeaningFrameStretchesTheTyreWhereItsAxesMeet) {
+    // The tyre's X and Y axes are 60 degrees apart, so that between them it stands out by the root of 1.5.
+    RigidBody wheel = StandingWheel(1.2 * kRadius);
+    const double third = std::acos(-1.0) / 6.0;
+    wheel.frame.row[0] = {0, std::sin(third), -std::cos(third)};
+    wheel.frame.row[1] = {0, -std::sin(third), -std::cos(third)};
+    const std::vector<double> known = {0.0};
+    RandomStream random;
+    random.Feed(known);
+    Contacts contacts{};
+    Cast(wheel, random, contacts);
+    EXPECT_EQ(Hits(contacts), 1);
+    EXPECT_EQ(contacts[9].hit, 1u);
+}
+
 TEST(WheelRayCast, ForgetsTheHitsOfTheStepBefore) {
     RandomStream random(7);
     Contacts contacts;

@@ -12,18 +12,18 @@ namespace tavrik::test {
 
 /// A small generator of the tests' own, so that no test depends on the generator it may be testing.
 class TestRandom {
-   public:
+ public:
     explicit TestRandom(std::uint64_t seed) : state_(seed) {}
     std::uint64_t Bits();
-    double Unit();                         // [0, 1)
+    double Unit();  // [0, 1)
     double Between(double low, double high);
     float Between(float low, float high);
-    int Int(int low, int high);            // both ends belong to it
+    int Int(int low, int high);  // both ends belong to it
     Point3 PointIn(const Box3& box);
-    DPoint3 Vector(double largest);        // each component in -largest..largest
-    DMatrix3 Turn();                       // orthonormal, right-handed, at the origin
+    DPoint3 Vector(double largest);  // each component in -largest..largest
+    DMatrix3 Turn();                 // orthonormal, right-handed, at the origin
 
-   private:
+ private:
     std::uint64_t state_;
 };
 

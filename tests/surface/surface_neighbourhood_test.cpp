@@ -124,6 +124,36 @@ TEST(SurfaceNeighbourhood, ADegenerateTriangleIsInNobodysWay) {
     EXPECT_EQ(ground.ClearReach({10, 0, 1}), std::numeric_limits<float>::infinity());
 }
 
+TEST(SurfaceNeighbourhood, IsSureOfNothingAtATriangleSoSmallThatItsNormalIsTooLong) {
+    // The square of this area's double is 1.44 of the smallest float and rounds to 1 of them: the normal is 1.2 long.
+    const float width = 0x1p-37f, depth = float(1.2 * 0x1p-37 / std::sqrt(2.0));
+    SurfaceTree tree;
+    ASSERT_TRUE(tree.Build({{{0, 0, 0}, {width, 0, 0}, {0, depth, 0}}, {{{0, 1, 2}}}}));
+    ASSERT_GT(Length(tree.triangles()[0].normal), 1.1f);
+
+    const float length = width / 4;
+    const Point3 origin = {width / 4, depth / 4, length * 0.9f};
+    const SurfaceNeighbourhood ground(tree, origin, length);
+    SurfaceRay ray;
+    ray.Set(origin, {0, 0, -length}, 0.0f, 1.0f);
+    EXPECT_TRUE(tree.Intersect(ray));
+    EXPECT_LE(ground.ClearReach(origin), length);
+}
+
+TEST(SurfaceNeighbourhood, NeverCallsASegmentOfTheSmallestFloatsClearThatHits) {
+    // A diagonal through the plane x + y + z = 0. Each of the three products with the normal rounds up to a whole smallest
+    // float.
+    SurfaceTree tree;
+    ASSERT_TRUE(tree.Build({{{1, 0, -1}, {-1, 1, 0}, {0, -1, 1}}, {{{0, 1, 2}}}}));
+    const float smallest = std::numeric_limits<float>::denorm_min();
+    const Point3 origin = {smallest, smallest, smallest};
+    const SurfaceNeighbourhood ground(tree, origin, 1.0f);
+    SurfaceRay ray;
+    ray.Set(origin, -origin, 0.0f, 1.0f);
+    EXPECT_TRUE(tree.Intersect(ray));
+    EXPECT_LE(ground.ClearReach(origin), 2 * smallest);
+}
+
 TEST(SurfaceNeighbourhood, APlaceThatIsNoNumberMeetsNothing) {
     SurfaceTree tree;
     ASSERT_TRUE(tree.Build(OneLevelTriangle()));

@@ -1,0 +1,285 @@
+#include "cli/command_line.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdio>
+#include <map>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "cli/drive_words.h"
+#include "rig/component_values.h"
+
+namespace tavrik {
+namespace {
+
+const std::map<std::string, KeyChoice> kKeyChoices = {{"samples", KeyChoice::EverySample}, {"frames", KeyChoice::EveryFrame}};
+const std::map<std::string, SampleGroundKind> kGroundKinds = {{"sample", SampleGroundKind::Course},
+                                                              {"hills", SampleGroundKind::Hills},
+                                                              {"kerb", SampleGroundKind::Kerb},
+                                                              {"plane", SampleGroundKind::Plane}};
+
+struct DriveFileWords {
+    std::string out, telemetry, plot, keys = "samples";
+};
+
+struct GroundWords {
+    std::string kind, out;
+    double size = 300.0;
+    int triangles = 20'000;
+    std::uint64_t seed = 1;
+};
+
+struct HudWords {
+    std::string out;
+    double at = 3.0;
+};
+
+bool SameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+    std::error_code error;
+    if (std::filesystem::equivalent(a, b, error)) return true;
+    // A name without a folder that exists would stay as it was typed.
+    const auto whole = [&](const std::filesystem::path& file) {
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error);
+    };
+    return whole(a) == whole(b);
+}
+
+/// No file that is written may be one that is read, nor be written twice.
+bool CheckFilesApart(const DriveOrder& order, std::string& problem) {
+    const std::pair<std::string_view, const std::filesystem::path*> files[] = {{"--ground", &order.drive.ground},
+                                                                               {"--input", &order.drive.input},
+                                                                               {"--out", &order.out},
+                                                                               {"--telemetry", &order.telemetry},
+                                                                               {"--plot", &order.plot}};
+    constexpr std::size_t kFirstWritten = 2;
+    for (std::size_t i = kFirstWritten; i < std::size(files); ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            if (files[i].second->empty() || files[j].second->empty() || !SameFile(*files[i].second, *files[j].second)) continue;
+            problem = fmt::format("{} and {} are the same file, {}", files[j].first, files[i].first, files[i].second->string());
+            return false;
+        }
+    }
+    return true;
+}
+
+bool MakeDriveOrder(const DriveWords& words, const DriveFileWords& files, DriveOrder& order, std::string& problem) {
+    order.out = files.out;
+    order.telemetry = files.telemetry;
+    order.plot = files.plot;
+    if (!Choose(kKeyChoices, files.keys, "--keys", order.keys, problem)) return false;
+    if (!files.out.empty() && order.out.extension() != ".glb") {
+        problem = fmt::format("--out writes glTF and takes a name that ends in .glb, not \"{}\"", files.out);
+        return false;
+    }
+    return MakeDriveOptions(words, "--at", order.drive, problem) && CheckFilesApart(order, problem);
+}
+
+bool MakeGroundOrder(const GroundWords& words, GroundOrder& order, std::string& problem) {
+    constexpr int kMostTriangles = 5'000'000;
+    constexpr double kLargestMetres = 20'000.0;
+    order.out = words.out;
+    order.ground.sizeMetres = words.size;
+    order.ground.triangles = words.triangles;
+    order.ground.seed = words.seed;
+    if (!Choose(kGroundKinds, words.kind, "KIND", order.ground.kind, problem)) return false;
+    if (!(words.size >= 10.0 && words.size <= kLargestMetres)) {
+        problem = fmt::format("--size takes metres from 10 to {:.0f}, not {}", kLargestMetres, words.size);
+        return false;
+    }
+    if (words.triangles < 2 || words.triangles > kMostTriangles) {
+        problem = fmt::format("--triangles takes a number from 2 to {}, not {}", kMostTriangles, words.triangles);
+        return false;
+    }
+    if (order.out.extension() != ".obj" && order.out.extension() != ".glb") {
+        problem = fmt::format("--out takes a name that ends in .obj or .glb, not \"{}\"", words.out);
+        return false;
+    }
+    return true;
+}
+
+bool CheckPicture(const std::filesystem::path& out, std::string& problem) {
+    if (out.extension() == ".png") return true;
+    problem = fmt::format("--out takes a name that ends in .png, not \"{}\"", out.string());
+    return false;
+}
+
+bool MakeHudOrder(DriveWords words, const HudWords& hud, HudOrder& order, std::string& problem) {
+    order.out = hud.out;
+    order.atSeconds = hud.at;
+    if (!(hud.at >= 0.0 && hud.at <= 36000.0)) {
+        problem = fmt::format("--at takes seconds from 0 to 36000, not {}", hud.at);
+        return false;
+    }
+    words.seconds = hud.at + 1.0;  // the range goes on, so that the picture shows a run that isn't over
+    return CheckPicture(order.out, problem) && MakeDriveOptions(words, "--start", order.drive, problem);
+}
+
+bool MakeStandOrder(StandOrder& order, std::string& problem) {
+    if (order.seconds >= 0.0 && order.seconds <= 3600.0) return CheckPicture(order.out, problem);
+    problem = fmt::format("--seconds takes a time from 0 to 3600, not {}", order.seconds);
+    return false;
+}
+
+void AddDriveOptions(CLI::App& app, DriveWords& words, DriveFileWords& files) {
+    AddDriveWords(app, words, "--at", true);
+    app.add_option("--seconds", words.seconds, "How long to drive, default 20")->type_name("S");
+    app.add_option("--out", files.out, "Scene with the drive, .glb")->type_name("FILE");
+    app.add_option("--telemetry", files.telemetry, "Readings of every sample, CSV")->type_name("FILE");
+    app.add_option("--plot", files.plot, "Path, speed and suspension travel, SVG")->type_name("FILE");
+    app.add_option("--keys", files.keys, "Keys in the scene at: samples (default) or frames")->type_name("WHEN");
+    app.footer(
+        "Driver's rows: seconds, steering -1..1, throttle 0..1, brake 0..1, hand brake 0|1, reverse 0|1;\n"
+        "each holds until the next. Driver's events: seconds, key-down W | key-up W | mouse X Y | wheel -120 |\n"
+        "pad LX 0.5 RT 1 | ...; all in docs/drive.md. The car stands on the topmost ground at its start; in a Y-up\n"
+        "file x,y is x,-z. Files are written when the whole drive went well. Exit status: 1 bad input, 2 wrong usage.");
+}
+
+void AddGroundOptions(CLI::App& app, GroundWords& words) {
+    app.add_option("KIND", words.kind, "sample (hills with bumps and a jump), hills, kerb or plane")->type_name("")->required();
+    app.add_option("--out", words.out, "Mesh to write, .obj (metres, Z up) or .glb")->type_name("FILE")->required();
+    app.add_option("--size", words.size, "Metres along each side, default 300")->type_name("M");
+    app.add_option("--triangles", words.triangles, "About how many, default 20000")->type_name("N");
+    app.add_option("--seed", words.seed, "Of the hills, default 1")->type_name("N");
+}
+
+void AddControlsOptions(CLI::App& app, ControlsOrder& order) {
+    CLI::App* set = app.add_subcommand("set", "Bind a key or button, or make a choice");
+    set->add_option("NAME", order.name, "As shown, such as CtrlKbdNitro")->type_name("")->required();
+    set->add_option("VALUE", order.value, "Key, button or choice, such as N, RB or \"Left Stick\"")->type_name("")->required();
+    set->callback([&order] { order.action = ControlsOrder::Action::Set; });
+    app.add_subcommand("reset", "Give every action its first key again")->callback([&order] {
+        order.action = ControlsOrder::Action::Reset;
+    });
+    app.add_subcommand("keys", "List the names of keys")->callback([&order] {
+        order.action = ControlsOrder::Action::ListKeys;
+    });
+    app.require_subcommand(0, 1);
+    app.footer("Without a command the bindings are shown. They are kept in Norvane/TavrikControls.cfg under $XDG_CONFIG_HOME.");
+}
+
+void AddHudOptions(CLI::App& app, DriveWords& words, HudWords& hud) {
+    AddDriveWords(app, words, "--start", false);
+    app.add_option("--at", hud.at, "Second of the drive, default 3")->type_name("SECONDS");
+    app.add_option("--out", hud.out, "Picture to write, .png")->type_name("FILE")->required();
+}
+
+/// What the stand starts with: the settings of a new suspension, in centimetres.
+DamperSettings NewSuspension() {
+    const SuspensionValues values = DefaultSuspensionValues();
+    DamperSettings settings;
+    settings.gravity = 980.0f;
+    settings.rigidityFactor = values.Ruggedness_Factor;
+    settings.springRigidity = values.Ruggedness;
+    settings.oilDamping = values.Damping;
+    settings.damperShift = values.Shift;
+    settings.bufferRigidity = values.Buffer_Ruggedness;
+    settings.sizeScale = float(double(values.Length) * 0.3);
+    return settings;
+}
+
+void AddStandOptions(CLI::App& app, StandOrder& order) {
+    order.settings = NewSuspension();
+    DamperSettings& settings = order.settings;
+    app.add_option("--seconds", order.seconds, "How long it runs, default 5")->type_name("S");
+    app.add_option("--out", order.out, "Picture to write, .png")->type_name("FILE")->required();
+    app.add_option("--knolls", settings.knollRate, "Knolls a second, default 1")->type_name("N");
+    app.add_option("--holes", settings.holeRate, "Holes a second, default 1")->type_name("N");
+    app.add_option("--mass", settings.mass, "Mass on the damper, default 400")->type_name("M");
+    app.add_option("--factor", settings.rigidityFactor, "Rigidity factor, default 1")->type_name("F");
+    app.add_option("--spring", settings.springRigidity, "Spring rigidity, default 50000")->type_name("K");
+    app.add_option("--oil", settings.oilDamping, "Oil damping, default 5000")->type_name("C");
+    app.add_option("--shift", settings.damperShift, "Damper shift, default 10")->type_name("CM");
+    app.add_option("--buffer", settings.bufferRigidity, "Buffer rigidity, default 100000")->type_name("K");
+    app.add_option("--seed", order.seed, "Of the road, default 1000")->type_name("N");
+}
+
+/// CLI11's messages as one line with our way out.
+int TellUsage(std::string message, std::string_view command) {
+    message = message.substr(0, message.find('\n'));
+    while (!message.empty() && (message.back() == '.' || message.back() == ' ')) message.pop_back();
+    fmt::print(stderr, "{}; see tavrik {}--help.\n", message, command);
+    return kExitWrongUsage;
+}
+
+/// The words of all commands, and what they came to.
+struct Commands {
+    CLI::App app{"Drives a car over a mesh and keeps the motion.", "tavrik"};
+    CLI::App *drive, *ground, *controls, *hud, *stand;
+    DriveWords driveWords, hudDriveWords;
+    DriveFileWords driveFiles;
+    GroundWords groundWords;
+    ControlsOrder controlsOrder;
+    HudWords hudWords;
+    StandOrder standOrder;
+
+    Commands() {
+        app.set_version_flag("--version", "tavrik " TAVRIK_VERSION, "Print the version");
+        app.set_help_flag("-h,--help", "Print this help");
+        app.require_subcommand(1);
+        drive = app.add_subcommand("drive", "Drive the stock car over a ground");
+        ground = app.add_subcommand("ground", "Make a ground to drive on");
+        controls = app.add_subcommand("controls", "Show, set or reset the keys and buttons that drive");
+        hud = app.add_subcommand("hud", "Paint the drive window as it looks at some second of a drive");
+        stand = app.add_subcommand("stand", "Paint a damper on its running-in stand");
+        AddDriveOptions(*drive, driveWords, driveFiles);
+        AddGroundOptions(*ground, groundWords);
+        AddControlsOptions(*controls, controlsOrder);
+        AddHudOptions(*hud, hudDriveWords, hudWords);
+        AddStandOptions(*stand, standOrder);
+        app.footer(
+            "Example:\n"
+            "  tavrik ground sample --out ground.obj\n"
+            "  tavrik drive --ground ground.obj --out drive.glb --plot drive.svg");
+    }
+
+    /// The command at hand, for messages.
+    std::string Name() const {
+        for (const CLI::App* command : {drive, ground, controls, hud, stand}) {
+            if (command->parsed()) return command->get_name() + " ";
+        }
+        return "";
+    }
+};
+
+/// Fills the one order that was given. @return false with `problem` set when its words make no sense
+bool FillOrder(const Commands& commands, Order& order, std::string& problem) {
+    if (commands.drive->parsed()) {
+        return MakeDriveOrder(commands.driveWords, commands.driveFiles, order.drive.emplace(), problem);
+    }
+    if (commands.ground->parsed()) return MakeGroundOrder(commands.groundWords, order.ground.emplace(), problem);
+    if (commands.controls->parsed()) {
+        order.controls = commands.controlsOrder;
+        return true;
+    }
+    if (commands.hud->parsed()) return MakeHudOrder(commands.hudDriveWords, commands.hudWords, order.hud.emplace(), problem);
+    order.stand = commands.standOrder;
+    return MakeStandOrder(*order.stand, problem);
+}
+
+}  // namespace
+
+Order ReadCommandLine(int argc, char** argv) {
+    Order order;
+    Commands commands;
+    try {
+        commands.app.parse(argc, argv);
+    } catch (const CLI::Success& done) {
+        commands.app.exit(done);  // help or version
+        return order;
+    } catch (const CLI::ParseError& error) {
+        order.exitStatus = TellUsage(error.what(), commands.Name());
+        return order;
+    }
+    std::string problem;
+    if (FillOrder(commands, order, problem)) return order;
+    order = {};
+    order.exitStatus = TellUsage(problem, commands.Name());
+    return order;
+}
+
+}  // namespace tavrik

@@ -1,0 +1,75 @@
+#pragma once
+/// What the user asked for, checked as far as the words themselves tell.
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "cli/prepared_drive.h"
+#include "drive/damper_model.h"
+#include "host/drive_scene.h"
+#include "samples/sample_ground.h"
+
+namespace tavrik {
+
+constexpr int kExitOk = 0, kExitBadInput = 1, kExitWrongUsage = 2;
+
+/// `tavrik drive`
+struct DriveOrder {
+    DriveOptions drive;
+    std::filesystem::path out, telemetry, plot;  // empty: not wanted
+    KeyChoice keys = KeyChoice::EverySample;
+};
+
+/// `tavrik ground`
+struct GroundOrder {
+    SampleGround ground;
+    std::filesystem::path out;
+};
+
+/// `tavrik controls`
+struct ControlsOrder {
+    enum class Action { Show, Set, Reset, ListKeys };
+    Action action = Action::Show;
+    std::string name, value;  // of Set
+};
+
+/// `tavrik hud`
+struct HudOrder {
+    DriveOptions drive;
+    double atSeconds = 3.0;
+    std::filesystem::path out;
+};
+
+/// `tavrik stand`
+struct StandOrder {
+    double seconds = 5.0;
+    DamperSettings settings;
+    std::uint64_t seed = 1000;
+    std::filesystem::path out;
+};
+
+/// One of them, or none where `exitStatus` is all that is left to do.
+struct Order {
+    std::optional<DriveOrder> drive;
+    std::optional<GroundOrder> ground;
+    std::optional<ControlsOrder> controls;
+    std::optional<HudOrder> hud;
+    std::optional<StandOrder> stand;
+    int exitStatus = kExitOk;
+};
+
+/// Reads the command line. Help and version go to the standard output; wrong usage is told in one sentence on the error output
+/// and gives exit status 2.
+Order ReadCommandLine(int argc, char** argv);
+
+/// Carries an order out. Each says what it did on the standard output, or what kept it from that in one sentence on the error
+/// output. @return the exit status
+int RunDrive(const DriveOrder& order);
+int RunGround(const GroundOrder& order);
+int RunControls(const ControlsOrder& order);
+int RunHud(const HudOrder& order);
+int RunStand(const StandOrder& order);
+
+}  // namespace tavrik

@@ -1,0 +1,24 @@
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "cli/command_line.h"
+
+int main(int argc, char** argv) {
+    try {
+        const tavrik::Order order = tavrik::ReadCommandLine(argc, argv);
+        if (order.drive) return tavrik::RunDrive(*order.drive);
+        if (order.ground) return tavrik::RunGround(*order.ground);
+        if (order.controls) return tavrik::RunControls(*order.controls);
+        if (order.hud) return tavrik::RunHud(*order.hud);
+        if (order.stand) return tavrik::RunStand(*order.stand);
+        return order.exitStatus;
+    } catch (const std::bad_alloc&) {
+        fmt::print(stderr, "This machine's memory is not enough for that; drive a shorter time, or on a smaller ground.\n");
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "Something unforeseen went wrong: {}.\n", error.what());
+    }
+    return tavrik::kExitBadInput;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+namespace tavrik {
+
+/// A line on the terminal that shows how far a long job has come. Where the error output is a pipe or a file, nothing is shown.
+class Progress {
+ public:
+    Progress();
+    ~Progress() { Clear(); }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /// Names the job at hand, without a measure of its progress.
+    void Begin(std::string_view job);
+    /// Draws a bar behind the job's name, ten times a second at most. @param part  0..1
+    void Show(double part);
+    /// Wipes the line.
+    void Clear();
+
+ private:
+    void Draw(std::string_view line);
+
+    bool isTerminal_;
+    std::string job_;
+    std::chrono::steady_clock::time_point lastDrawn_{};
+    bool isShown_ = false;
+};
+
+}  // namespace tavrik
