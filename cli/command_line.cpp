@@ -178,7 +178,7 @@ DamperSettings NewSuspension() {
     settings.oilDamping = values.Damping;
     settings.damperShift = values.Shift;
     settings.bufferRigidity = values.Buffer_Ruggedness;
-    settings.sizeScale = float(double(values.Length) * 0.3);
+    settings.sizeScale = values.Length * 0.3f;
     return settings;
 }
 

@@ -55,7 +55,7 @@ void DamperStand::OpenStand(ParamBlock& block, StandLayer& layer) {
     pblock = &block;
     core = &layer;
     for (const ShownParam& param : kParams) this->*param.field = block.GetFloat(param.id);
-    sizeScale = float(double(block.GetFloat(SuspensionParam::Length)) * 0.3);
+    sizeScale = block.GetFloat(SuspensionParam::Length) * 0.3f;  // single, as the settings are: a length of 50 gives 15.000001
     model = {};
     random.Seed(kRoadSeed);
     const std::int32_t result = layer.RunDialog(kStandDialog, *this);

@@ -1,6 +1,5 @@
 #include "host/scene_reader.h"
 
-#include <assimp/ai_assert.h>
 #include <assimp/config.h>
 #include <assimp/importerdesc.h>
 #include <assimp/postprocess.h>
@@ -10,20 +9,14 @@
 #include <algorithm>
 #include <assimp/Importer.hpp>
 #include <cctype>
+#include <cstdint>
+#include <cstring>
+#include <exception>
 #include <set>
 #include <sstream>
-#include <stdexcept>
 #include <vector>
 
-namespace Assimp {
-
-/// The importer asserts what a damaged file can make untrue, and would end the program there. This takes the place of the
-/// library's own function of that name, as the linker lets a program do; thrown, the fault is one more kind of damage.
-ASSIMP_API void aiAssertViolation(const char*, const char*, int) {
-    throw std::runtime_error("its parts contradict each other");
-}
-
-}  // namespace Assimp
+#include "host/child_process.h"
 
 namespace tavrik {
 namespace {
@@ -55,15 +48,9 @@ DMatrix3 ToFrame(const aiMatrix4x4& m) {
              {double(m.a4), double(m.b4), double(m.c4)}}};
 }
 
-/// Refuses what the importer is known not to come back from.
-bool CheckBeforeImport(const std::string& extension, std::string_view bytes, std::string& problem) {
-    // It looks for the end of a PLY head for ever.
-    if (extension == "ply" && bytes.find("end_header") == std::string_view::npos) {
-        problem = bytes.starts_with("ply") ? "the file ends within its head; copy or export it again."
-                                           : "this is not a readable .ply mesh (it does not begin with \"ply\").";
-        return false;
-    }
-    return true;
+/// Whether a PLY file's head has an end, for which the importer would look for ever. A short file deserves a quick answer.
+bool HasWholeHead(const std::string& extension, std::string_view bytes) {
+    return extension != "ply" || bytes.find("end_header") != std::string_view::npos;
 }
 
 /// What stands between the scene that the importer hands over and the file's own axes and unit.
@@ -165,12 +152,8 @@ class SceneGatherer {
     std::string& problem_;
 };
 
-}  // namespace
-
-bool ReadScene(const std::filesystem::path& file, std::string_view bytes, const GroundImport& import, FileMesh& mesh,
-               std::string& problem) {
-    const std::string extension = LowerExtension(file);
-    if (!CheckBeforeImport(extension, bytes, problem)) return false;
+bool ImportScene(const std::string& extension, std::string_view bytes, const GroundImport& import, FileMesh& mesh,
+                 std::string& problem) {
     Assimp::Importer importer;
     KeepOneLoader(importer, extension);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_ANIMATIONS, false);
@@ -188,6 +171,96 @@ bool ReadScene(const std::filesystem::path& file, std::string_view bytes, const 
     mesh.up = habit.up;
     mesh.metresPerUnit = habit.metresPerUnit;
     return SceneGatherer(*scene, import.mostTriangles, mesh, problem).Run(habit.undo);
+}
+
+/// A mesh, or the problem with it, as bytes from one process to another of the same program.
+template <typename Value>
+void Append(std::string& bytes, const Value* values, std::size_t count) {
+    if (count > 0) bytes.append(reinterpret_cast<const char*>(values), count * sizeof(Value));
+}
+
+template <typename Value>
+bool Take(std::string_view& bytes, Value* values, std::size_t count) {
+    if (count > bytes.size() / sizeof(Value)) return false;
+    if (count > 0) std::memcpy(values, bytes.data(), count * sizeof(Value));
+    bytes.remove_prefix(count * sizeof(Value));
+    return true;
+}
+
+struct AnswerHead {
+    std::uint64_t read, verts, faces;
+    UpAxis up;
+    double metresPerUnit;
+};
+
+std::string PackAnswer(bool read, const FileMesh& mesh, const std::string& problem) {
+    if (!read) {
+        const AnswerHead head{0, 0, 0, UpAxis::Z, 1.0};
+        std::string bytes;
+        Append(bytes, &head, 1);
+        return bytes + problem;
+    }
+    const AnswerHead head{1, mesh.verts.size(), mesh.faces.size(), mesh.up, mesh.metresPerUnit};
+    std::string bytes;
+    bytes.reserve(sizeof head + mesh.verts.size() * sizeof(DPoint3) + mesh.faces.size() * sizeof(MeshFace));
+    Append(bytes, &head, 1);
+    Append(bytes, mesh.verts.data(), mesh.verts.size());
+    Append(bytes, mesh.faces.data(), mesh.faces.size());
+    return bytes;
+}
+
+bool UnpackAnswer(std::string_view bytes, FileMesh& mesh, std::string& problem) {
+    AnswerHead head;
+    if (!Take(bytes, &head, 1)) return false;
+    if (head.read == 0) {
+        problem = bytes;
+        return false;
+    }
+    mesh.up = head.up;
+    mesh.metresPerUnit = head.metresPerUnit;
+    mesh.verts.resize(std::size_t(head.verts));
+    mesh.faces.resize(std::size_t(head.faces));
+    return Take(bytes, mesh.verts.data(), mesh.verts.size()) && Take(bytes, mesh.faces.data(), mesh.faces.size());
+}
+
+}  // namespace
+
+bool ReadScene(const std::filesystem::path& file, std::string_view bytes, const GroundImport& import, FileMesh& mesh,
+               std::string& problem) {
+    const std::string extension = LowerExtension(file);
+    if (!HasWholeHead(extension, bytes)) {
+        problem = "this is not a readable .ply mesh, its head has no end; copy or export it again.";
+        return false;
+    }
+    const auto work = [&] {
+        FileMesh imported;
+        std::string fault;
+        bool read = false;
+        try {
+            read = ImportScene(extension, bytes, import, imported, fault);
+        } catch (const std::exception& error) {
+            fault = fmt::format("this is not a readable .{} mesh ({}).", extension, error.what());
+        }
+        return PackAnswer(read, imported, fault);
+    };
+    // The importer reads some ten MB a second. On damaged files it may crash, or never come back.
+    constexpr double kLeastSeconds = 10.0, kSecondsPerByte = 2e-6;
+    std::string answer;
+    switch (RunInChild(work, kLeastSeconds + kSecondsPerByte * double(bytes.size()), answer)) {
+        case ChildEnd::Answered:
+            return UnpackAnswer(answer, mesh, problem);
+        case ChildEnd::Crashed:
+            problem =
+                fmt::format("this is not a readable .{} mesh, its parts contradict each other; export it again.", extension);
+            return false;
+        case ChildEnd::TooSlow:
+            problem = fmt::format("this is not a readable .{} mesh, reading it comes to no end; export it again.", extension);
+            return false;
+        case ChildEnd::NotStarted:
+            break;
+    }
+    problem = "there is no room for one more process to read it in.";
+    return false;
 }
 
 }  // namespace tavrik

@@ -32,7 +32,9 @@ SurfaceNeighbourhood::SurfaceNeighbourhood(const SurfaceTree& tree, const Point3
     const float reach = radius * kLengthMargin + largest * kPlaceMargin + kTinyMargin;
     const Float4 middle = Float4From(centre.x, centre.y, centre.z, 0.0f);
     const Float4 low = middle - Broadcast(reach), high = middle + Broadcast(reach);
-    Gather(tree.root(), tree, low, high);
+    const Float4 pmin = Float4From(bound.pmin.x, bound.pmin.y, bound.pmin.z, 0.0f);
+    const Float4 pmax = Float4From(bound.pmax.x, bound.pmax.y, bound.pmax.z, 0.0f);
+    Gather(tree.root(), tree, Select(pmin > low, pmin, low), Select(high > pmax, pmax, high));
 }
 
 void SurfaceNeighbourhood::Gather(SurfaceLink cube, const SurfaceTree& tree, Float4 low, Float4 high) {
@@ -43,14 +45,21 @@ void SurfaceNeighbourhood::Gather(SurfaceLink cube, const SurfaceTree& tree, Flo
         if (lowest != highest) {
             // A child is in reach where, on each axis, the ball's box has a part on the child's side.
             const unsigned both = lowest ^ highest;
+            const Mask4 cut = AndNot(low > centre, high > centre);
             for (unsigned child = 0; child < 8; ++child) {
-                if ((child & ~both) == (lowest & ~both)) Gather(node.child[child], tree, low, high);
+                if ((child & ~both) != (lowest & ~both)) continue;
+                const Mask4 upper = Float4From(float(child & 1), float(child & 2), float(child & 4), 0.0f) > Broadcast(0.0f);
+                Gather(node.child[child], tree, Select(cut & upper, centre, low), Select(AndNot(upper, cut), centre, high));
             }
             return;
         }
         cube = node.child[lowest];
     }
     const SurfaceBlock* block = &tree.blocks()[cube.index()];
+    // The walls of a cube and the centres that lead to it are rounded each in their own way. From a point between the two a
+    // walk may leave the cube backwards, and meet there what lies behind the segment.
+    const Mask4 held = (low >= Load(&block->leaf.pmin.x)) & (Load(&block->leaf.pmax.x) >= high);
+    if ((Bits(held) & 7) != 7) unsure_ = true;
     for (std::uint32_t group = 1; group <= block->leaf.groups(); ++group) {
         const SurfacePlanes& planes = block[group].planes;
         const Float4 nx = Load(planes.nx), ny = Load(planes.ny), nz = Load(planes.nz);

@@ -3,90 +3,18 @@
 
 #include <benchmark/benchmark.h>
 
-#include <map>
 #include <memory>
 
 #include "drive/drive_session.h"
+#include "drive/null_canvas.h"
+#include "drive/table_params.h"
+#include "drive/virtual_run.h"
 #include "drive/window_messages.h"
 #include "rig/parameter_tables.h"
 #include "rig/stock_car.h"
 
 namespace tavrik {
 namespace {
-
-class MapParams final : public ParamBlock {
- public:
-    MapParams() {
-        for (const ParamRow& row : FindParamTable("Tavrik")->rows) {
-            ints_[row.id] = std::int32_t(row.defaultValue);
-            floats_[row.id] = float(row.defaultValue);
-        }
-    }
-    float GetFloat(std::int32_t id) const override { return floats_.at(id); }
-    std::int32_t GetInt(std::int32_t id) const override { return ints_.at(id); }
-    void SetFloat(std::int32_t id, float value) override { floats_[id] = value; }
-    void SetInt(std::int32_t id, std::int32_t value) override { ints_[id] = value; }
-
- private:
-    std::map<std::int32_t, float> floats_;
-    std::map<std::int32_t, std::int32_t> ints_;
-};
-
-/// Takes every operation and paints nothing.
-class NoCanvas final : public Canvas {
- public:
-    PixelRect GetClientRect() const override { return {0, 0, 300, 114}; }
-    CanvasObject SelectObject(CanvasObject object) override { return object; }
-    void SetDcPenColor(ColorRef) override {}
-    void SetDcBrushColor(ColorRef) override {}
-    void SetTextColor(ColorRef) override {}
-    void SetTransparentBackground() override {}
-    void Rectangle(std::int32_t, std::int32_t, std::int32_t, std::int32_t) override {}
-    void Ellipse(std::int32_t, std::int32_t, std::int32_t, std::int32_t) override {}
-    void MoveTo(std::int32_t, std::int32_t) override {}
-    void LineTo(std::int32_t, std::int32_t) override {}
-    void DrawTextLine(std::string_view text, const PixelRect&, std::uint32_t) override {
-        benchmark::DoNotOptimize(text.data());
-    }
-};
-
-class NoWindows final : public WindowLayer {
- public:
-    WindowId CreateDialogWindow(WindowKind) override { return 1; }
-    void DestroyWindow(WindowId) override {}
-    void RegisterDlgWnd(WindowId) override {}
-    void UnRegisterDlgWnd(WindowId) override {}
-    void SetAlpha(WindowId, std::uint8_t) override {}
-    void SetCapture(WindowId) override {}
-    void ReleaseCapture() override {}
-    void SetTimer(WindowId, std::uint32_t, std::uint32_t) override {}
-    void KillTimer(WindowId, std::uint32_t) override {}
-    void BeginDrag(WindowId) override {}
-    Canvas& GetDC(WindowId) override { return canvas_; }
-    void ReleaseDC(WindowId) override {}
-    Canvas& BeginPaint(WindowId) override { return canvas_; }
-    void EndPaint(WindowId) override {}
-    void ShowMessageBox(WindowId, std::string_view, std::string_view, std::uint32_t) override {}
-    void DisableAccelerators() override {}
-    void EnableAccelerators() override {}
-
- private:
-    NoCanvas canvas_;
-};
-
-class NoHost final : public DriveHost {
- public:
-    TimeValue GetTime() const override { return time_; }
-    void SetTime(TimeValue tick, bool) override { time_ = tick; }
-    TimeRange GetAnimRange() const override { return {0, 16000}; }
-    std::int32_t GetTicksPerFrame() const override { return 160; }
-    double GetMasterScale(std::int32_t) const override { return 1e-5; }
-    void RedrawViews(TimeValue) override {}
-    void NotifyMasters() override {}
-
- private:
-    TimeValue time_ = 0;
-};
 
 /// A full stick and a full trigger.
 class OnePad final : public Devices {
@@ -112,7 +40,7 @@ class Master final : public SessionMaster {
         mesh.faces = {{{0, 1, 2}}};
         surface_.Build(mesh);
     }
-    MapParams params;
+    TableParams params{*FindParamTable("Tavrik")};
 
     void TakeGroundAway() { surface_.Release(); }
 
@@ -138,8 +66,10 @@ void TickWithoutAStep(benchmark::State& state, std::int32_t drivingType) {
     master->params.SetInt(MasterParam::Driving_Type, drivingType);
     master->params.SetInt(MasterParam::CtrlJoyDriver, 1);
     master->params.SetInt(MasterParam::CtrlJoyThrottleCtrl, 3);
-    NoHost host;
-    NoWindows windows;
+    VirtualHost host;
+    host.range = {0, 16000};
+    NullCanvas canvas;
+    VirtualWindows windows(canvas);
     OnePad devices;
     DriveSession session(*master, host, windows, devices);
     session.OpenDrive();

@@ -303,7 +303,15 @@ TEST_F(DamperStandTest, OpeningReadsFiveSettingsAndTheSizeOfTheSuspension) {
         EXPECT_EQ(s.oilDamping, 3000.0f);
         EXPECT_EQ(s.damperShift, -4.0f);
         EXPECT_EQ(s.bufferRigidity, 90000.0f);
-        EXPECT_EQ(s.sizeScale, float(double(37.0f) * 0.3));
+        EXPECT_EQ(s.sizeScale, 37.0f * 0.3f);
+        PressCancel(s);
+    });
+}
+
+TEST_F(DamperStandTest, SizeIsScaledInSinglePrecision) {
+    block.values[0] = 50.0f;  // in double precision the product would round to 15
+    Open([](DamperStand& s) {
+        EXPECT_EQ(s.sizeScale, 0x1.e00002p+3f);
         PressCancel(s);
     });
 }
@@ -572,11 +580,14 @@ TEST_F(DamperStandTest, ThreadOfItsOwnDrawsSimulatesAndSleepsThirtyThreeMillisec
 }
 
 TEST_F(DamperStandTest, PassDrawsBeforeItSimulates) {
-    Open([&](DamperStand& s) { PressCancel(s); });  // however soon it ends, its pictures are one behind the model
+    Open([&](DamperStand& s) {
+        layer.WaitPasses(1);
+        PressCancel(s);  // however soon it ends, its pictures are one behind the model
+    });
     DamperModel model;
     RandomStream random(1000);
     RecordingCanvas expected;
-    ASSERT_GE(layer.Passes(), 0);
+    ASSERT_GT(layer.Passes(), 0);
     for (int i = 0; i < layer.Passes(); ++i) {
         expected.calls.clear();
         DrawStand(model, expected);

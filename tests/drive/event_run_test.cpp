@@ -25,23 +25,12 @@ constexpr TimeValue kEnd = 40 * 160;
 // Keys as a new master object binds them.
 constexpr std::int32_t kW = 87, kA = 65, kD = 68, kS = 83, kSpace = 32, kPageUp = 33, kShift = 16;
 
-void SetStockCarSettings(test::FakeParams& params) {
-    const DriveSettings settings = StockCarSettings();
-    params.SetFloat(MasterParam::Gravity, settings.Gravity);
-    params.SetInt(MasterParam::Frame_Step, settings.Frame_Step);
-    params.SetInt(MasterParam::Sample_Step, settings.Sample_Step);
-    params.SetFloat(MasterParam::Rudder_Sensitivity, settings.Rudder_Sensitivity);
-    params.SetFloat(MasterParam::Rudder_Angle, settings.Rudder_Angle);
-    params.SetFloat(MasterParam::Throttle_Sensitivity, settings.Throttle_Sensitivity);
-    params.SetFloat(MasterParam::Brake_Sensitivity, settings.Brake_Sensitivity);
-}
-
 /// The stock car on the hills, its drive window open.
 struct EventRun : test::SessionParts {
     EventRun() {
         master.surface = &test::Hills();
         host.range = {0, kEnd};
-        SetStockCarSettings(master.params);
+        WriteDriveSettings(StockCarSettings(), master.params);
         SharedWorld().random.Seed(kSeed);
         session.OpenDrive();
     }

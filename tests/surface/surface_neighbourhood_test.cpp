@@ -99,8 +99,9 @@ TriangleMesh OneLevelTriangle() { return {{{-1000, -1000, 0}, {1000, -1000, 0}, 
 TEST(SurfaceNeighbourhood, ReachesAsFarAsTheNearestPlane) {
     SurfaceTree tree;
     ASSERT_TRUE(tree.Build(OneLevelTriangle()));
-    const SurfaceNeighbourhood ground(tree, {0, 0, 40}, 50.0f);
-    EXPECT_NEAR(ground.ClearReach({0, 0, 40}), 40.0f, 0.01f);
+    const Point3 place = {300, -500, 40};
+    const SurfaceNeighbourhood ground(tree, place, 30.0f);  // within one of the root's children
+    EXPECT_NEAR(ground.ClearReach(place), 40.0f, 0.01f);
 }
 
 TEST(SurfaceNeighbourhood, ReachesForEverWhereNothingIsNear) {
@@ -152,6 +153,29 @@ TEST(SurfaceNeighbourhood, NeverCallsASegmentOfTheSmallestFloatsClearThatHits) {
     ray.Set(origin, -origin, 0.0f, 1.0f);
     EXPECT_TRUE(tree.Intersect(ray));
     EXPECT_LE(ground.ClearReach(origin), 2 * smallest);
+}
+
+TEST(SurfaceNeighbourhood, IsSureOfNothingWhereAWalkMayLeaveACubeBackwards) {
+    // The centre by which the root's children are chosen and the wall between them part by a rounding on about every third
+    // ground. A segment that starts there and hardly leaves the wall walks backwards, and meets the floor far behind its start.
+    int met = 0;
+    for (int i = 0; i < 200; ++i) {
+        TriangleMesh mesh = OneLevelTriangle();
+        for (Point3& p : mesh.verts) p.x += 300.0f + 7.3f * float(i);
+        SurfaceTree tree;
+        ASSERT_TRUE(tree.Build(mesh));
+        const Box3& bound = tree.bound();
+        const float wall = bound.pmin.x + (bound.pmax.x - bound.pmin.x) * 0.5f, centre = bound.Center().x;
+        if (!(centre > wall)) continue;
+        SurfaceRay ray;
+        ray.Set({centre, -500.0f, 30.0f}, {1e-7f, 0.0f, 1.0f}, 0.0f, 1.0f);
+        const SurfaceNeighbourhood ground(tree, ray.org, 1.1f);
+        if (!tree.Intersect(ray)) continue;
+        EXPECT_LT(ray.tmax, -20.0f);
+        EXPECT_LE(ground.ClearReach(ray.org), 1.0f);
+        ++met;
+    }
+    EXPECT_GT(met, 10);
 }
 
 TEST(SurfaceNeighbourhood, APlaceThatIsNoNumberMeetsNothing) {
