@@ -38,6 +38,7 @@ SurfaceNeighbourhood::SurfaceNeighbourhood(const SurfaceTree& tree, const Point3
 }
 
 void SurfaceNeighbourhood::Gather(SurfaceLink cube, const SurfaceTree& tree, Float4 low, Float4 high) {
+    if (unsure_) return;
     while (!cube.endsDescent()) {
         const SurfaceNode& node = tree.nodes()[cube.index()];
         const Float4 centre = Load(&node.centre.x);
@@ -59,7 +60,10 @@ void SurfaceNeighbourhood::Gather(SurfaceLink cube, const SurfaceTree& tree, Flo
     // The walls of a cube and the centres that lead to it are rounded each in their own way. From a point between the two a
     // walk may leave the cube backwards, and meet there what lies behind the segment.
     const Mask4 held = (low >= Load(&block->leaf.pmin.x)) & (Load(&block->leaf.pmax.x) >= high);
-    if ((Bits(held) & 7) != 7) unsure_ = true;
+    if ((Bits(held) & 7) != 7) {
+        unsure_ = true;
+        return;
+    }
     for (std::uint32_t group = 1; group <= block->leaf.groups(); ++group) {
         const SurfacePlanes& planes = block[group].planes;
         const Float4 nx = Load(planes.nx), ny = Load(planes.ny), nz = Load(planes.nz);
