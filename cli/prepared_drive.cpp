@@ -67,6 +67,7 @@ bool BuildSurface(const DriveOptions& options, PreparedDrive& drive, Progress& p
 bool PutCarDown(const DriveOptions& options, PreparedDrive& drive, std::string& problem) {
     MakeStockCar(car, IdentityDMatrix3());
     std::vector<DPoint3> wheels;
+    wheels.reserve(std::size_t(car.unitCount));
     for (int i = 0; i < car.unitCount; ++i) wheels.push_back(car.wheelBodies[i].frame.row[3]);
     const CarSpot spot = options.start ? *options.start : MiddleOfGround(drive.surface);
     DMatrix3 frame;

@@ -39,14 +39,14 @@ void DrawGrid(Canvas& canvas) {
 
 /// Drawn in the pen of the grid's last line.
 void DrawRoad(const LiveBumps& road, Canvas& canvas) {
-    std::array<double, 2 * kRoadSamples> rise;  // pixels, from x = -1 on
-    for (int i = -kRoadSamples; i < kRoadSamples; ++i)
-        rise[std::size_t(i + kRoadSamples)] = road.Height(double(i) / double(kRoadSamples)) * kPixelsPerUnit;
+    std::array<double, std::size_t{2} * kRoadSamples> rise;  // pixels, from x = -1 on
+    int sample = -kRoadSamples;
+    for (double& pixels : rise) pixels = road.Height(double(sample++) / double(kRoadSamples)) * kPixelsPerUnit;
     for (const double shift : kThickness) {
         const double base = 220.0 + shift;
         canvas.MoveTo(kMiddle + kRoadSamples, TruncateToInt(base - rise[0]));
-        for (int i = -kRoadSamples; i < kRoadSamples; ++i)
-            canvas.LineTo(kMiddle - i, TruncateToInt(base - rise[std::size_t(i + kRoadSamples)]));
+        int x = kMiddle + kRoadSamples;
+        for (const double pixels : rise) canvas.LineTo(x--, TruncateToInt(base - pixels));
     }
 }
 
