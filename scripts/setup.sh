@@ -50,6 +50,6 @@ fi
 
 if [ "$1" = test ] && ! cmp -s tests/tools/package-lock.json tests/tools/node_modules/.lock-installed; then
     echo "Installing the checkers of written files (npm)"
-    npm ci --prefix tests/tools --no-audit --no-fund --silent
+    npm ci --prefix tests/tools --no-audit --no-fund --loglevel=error >/dev/null
     cp tests/tools/package-lock.json tests/tools/node_modules/.lock-installed
 fi
