@@ -5,12 +5,6 @@
 #include "drive/input_modes.h"
 
 namespace tavrik {
-namespace {
-
-// What a key held down asks for, of throttle and of brake.
-constexpr float kFullDemand = 4.0f;
-
-}  // namespace
 
 DriverRow RowAt(const DriverScript& script, double seconds) {
     const auto after = std::upper_bound(script.rows.begin(), script.rows.end(), seconds,
@@ -21,10 +15,10 @@ DriverRow RowAt(const DriverScript& script, double seconds) {
 void ApplyRow(const DriverRow& row, DriveInput& input) {
     input.steerRatio = row.steering;
     input.steerTarget = row.steering * LargestSteering(input);
-    input.throttle = row.throttle * kFullDemand;
+    input.throttle = row.throttle * kHeldDemand;
     if (row.reverse) input.throttle = -input.throttle;
     // The hand brake asks for full pressure, as its key does; the solver gives it to the wheels it acts on.
-    input.brake = row.handBrake ? kFullDemand : row.brake * kFullDemand;
+    input.brake = row.handBrake ? kHeldDemand : row.brake * kHeldDemand;
     input.handBrake = row.handBrake ? 1 : 0;
     input.reverse = row.reverse ? 1 : 0;
 }

@@ -5,7 +5,6 @@
 namespace tavrik {
 namespace {
 
-constexpr float kHeldDemand = 4.0f;
 constexpr float kNitroFactor = 3.0f;
 constexpr float kDegreesInHalfTurn = 180.0f, kPi = 3.1415927f;
 

@@ -14,6 +14,9 @@ namespace tavrik {
 /// The driving types of `DriveInput::drivingType`.
 constexpr std::uint32_t kDriveByMouse = 0, kDriveByKeyboard = 1, kDriveByGamepad = 2, kDriveToTarget = 3, kDriveAlongPath = 4;
 
+/// What a key or button held down asks for, of throttle and of brake.
+constexpr float kHeldDemand = 4.0f;
+
 /// Which device, axes and buttons a gamepad drives with. Buttons are masks.
 struct GamepadBinding {
     std::int32_t joyDriver = 1;        // 0 the multimedia joystick, 1 XInput
