@@ -118,7 +118,7 @@ bool TavrikControllerSetup::StartCapture(std::int32_t param, std::uint32_t devic
     bindingDevice = device;
     taken = 0;
     if (promptWindow != 0) return true;  // the open prompt now asks for this action; it keeps its picture until the next try
-    promptWindow = windows_.CreateDialogWindow(WindowKind::Prompt);
+    promptWindow = windows_.CreateDialogWindow(WindowKind::Prompt, *this);
     if (promptWindow == 0) return true;  // with the shortcuts off and no prompt to close, the keyboard would be lost
     windows_.RegisterDlgWnd(promptWindow);
     windows_.DisableAccelerators();

@@ -51,7 +51,7 @@ class RolloutLayer {
 };
 
 /// One serves all master objects. A capture is open while `promptWindow` isn't 0. Belongs to the thread of the user interface.
-class TavrikControllerSetup {
+class TavrikControllerSetup final : public WindowMessages {
  public:
     /// All must outlive the setup.
     TavrikControllerSetup(WindowLayer& windows, RolloutLayer& controls, Devices& devices, FileStore& file)
@@ -73,6 +73,11 @@ class TavrikControllerSetup {
     /// pass.
     /// @return whether it was for the prompt; a late one, after the end of the capture, isn't
     bool PromptMessage(std::uint32_t message, std::uint64_t wParam);
+
+    /// The prompt's messages come in here.
+    bool HandleMessage(std::uint32_t message, std::uint64_t wParam, std::uint64_t) override {
+        return PromptMessage(message, wParam);
+    }
 
     /// Shows the parameters on the rollout.
     void Refresh();

@@ -64,6 +64,8 @@ class SessionMaster {
     virtual void RebuildTrails() = 0;
     /// Null where nothing can drive in the hands' place.
     virtual TargetDriver* Target() = 0;
+    /// A frame was driven and recorded. May stop the run.
+    virtual void FrameDriven() {}
 };
 
 }  // namespace tavrik

@@ -113,7 +113,7 @@ void DriveSession::OpenDrive() {
     ReadSettings();
     BuildWorld(master_.World(), *rig, master_.Scene());
     if (window != 0) return;
-    window = windows_.CreateDialogWindow(WindowKind::Drive);
+    window = windows_.CreateDialogWindow(WindowKind::Drive, *this);
     windows_.RegisterDlgWnd(window);
     windows_.SetAlpha(window, kSeeThroughAlpha);
     active = 1;
@@ -197,7 +197,9 @@ void DriveSession::InputTick() {
 
 void DriveSession::DriveOneFrame() {
     FrameMaster frame(*this);
+    const TimeValue before = tick;
     DriveTick(frame, tick, input);
+    if (tick != before) master_.FrameDriven();
 }
 
 void DriveSession::FillInput() {

@@ -20,7 +20,7 @@ struct KeyBinding {
 /// Closed while `window` is 0; idle with a window; running while `running` is set. All calls come from one thread. A host that
 /// serves messages inside of a redraw may call back in: a tick inside of a tick is dropped, and a close inside of a tick is
 /// made at its end.
-class DriveSession {
+class DriveSession final : public WindowMessages {
  public:
     /// The four stay the caller's and outlive the session.
     DriveSession(SessionMaster& master, DriveHost& core, WindowLayer& windows, Devices& devices);
@@ -51,10 +51,7 @@ class DriveSession {
     void RedrawHud();
 
     /// Answers a message of the drive window.
-    /// @param message         its number, see window_messages.h
-    /// @param wParam, lParam  its two parameters
-    /// @return false where the message isn't one of driving's
-    bool HandleMessage(std::uint32_t message, std::uint64_t wParam, std::uint64_t lParam);
+    bool HandleMessage(std::uint32_t message, std::uint64_t wParam, std::uint64_t lParam) override;
 
     SessionMaster& master() { return master_; }
     DriveHost& core() { return core_; }

@@ -1,15 +1,15 @@
 #pragma once
-/// A drive session without a screen: a virtual clock, timeline, window and gamepad, and a script in place of the hands.
+/// A drive session without a scene: a virtual clock, timeline and desktop, and a script in place of the hands.
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "drive/canvas.h"
 #include "drive/drive_session.h"
 #include "drive/driver_script.h"
 #include "drive/event_script.h"
 #include "drive/param_block.h"
+#include "drive/virtual_desktop.h"
 
 namespace tavrik {
 
@@ -28,46 +28,6 @@ class VirtualHost final : public DriveHost {
     double GetMasterScale(std::int32_t unit) const override;
     void RedrawViews(TimeValue) override {}
     void NotifyMasters() override {}
-};
-
-/// One window that is drawn on `canvas`. What a message box would say is kept in `messages`.
-class VirtualWindows final : public WindowLayer {
- public:
-    explicit VirtualWindows(Canvas& canvas) : canvas_(canvas) {}
-    std::vector<std::string> messages;
-
-    WindowId CreateDialogWindow(WindowKind) override { return 1; }
-    void DestroyWindow(WindowId) override {}
-    void RegisterDlgWnd(WindowId) override {}
-    void UnRegisterDlgWnd(WindowId) override {}
-    void SetAlpha(WindowId, std::uint8_t) override {}
-    void SetCapture(WindowId) override {}
-    void ReleaseCapture() override {}
-    void SetTimer(WindowId, std::uint32_t, std::uint32_t) override {}
-    void KillTimer(WindowId, std::uint32_t) override {}
-    void BeginDrag(WindowId) override {}
-    Canvas& GetDC(WindowId) override { return canvas_; }
-    void ReleaseDC(WindowId) override {}
-    Canvas& BeginPaint(WindowId) override { return canvas_; }
-    void EndPaint(WindowId) override {}
-    void ShowMessageBox(WindowId, std::string_view text, std::string_view, std::uint32_t) override {
-        messages.emplace_back(text);
-    }
-    void DisableAccelerators() override {}
-    void EnableAccelerators() override {}
-
- private:
-    Canvas& canvas_;
-};
-
-/// One XInput pad as user 0, in the state that a script gave it, and no joystick.
-class VirtualPad final : public Devices {
- public:
-    bool plugged = false;
-    XInputGamepad state{};
-
-    std::uint32_t joyGetPos(std::uint32_t id, JoyInfo& info) override;
-    std::uint32_t XInputGetState(std::int32_t user, XInputState& answer) override;
 };
 
 /// What a virtual run drives and who drives it. Nothing is owned.
@@ -105,7 +65,7 @@ class VirtualRun final : private SessionMaster, private TargetDriver {
     /// Draws the drive window's face once more.
     void Redraw() { session_.RedrawHud(); }
     /// What the owner of the session has to tell, such as a gamepad that was unplugged; empty where all went well.
-    const std::string& Notice() const { return notice_; }
+    const std::string& Notice() const { return hands_.Notice(); }
 
  private:
     CarRig& Rig() override { return *setup_.rig; }
@@ -123,16 +83,13 @@ class VirtualRun final : private SessionMaster, private TargetDriver {
     void DriveToTarget(DriveSession& session) override;
     void DriveAlongPath(DriveSession&) override {}
 
-    void Deliver(const DriverEvent& event);
-
     VirtualRunSetup setup_;
     VirtualHost host_;
     VirtualWindows windows_;
     VirtualPad pad_;
+    ScriptedHands hands_;
     DriveSession session_;
     std::int32_t ticks_ = 0;
-    std::size_t nextEvent_ = 0;
-    std::string notice_;
 };
 
 }  // namespace tavrik

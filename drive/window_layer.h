@@ -20,11 +20,23 @@ constexpr std::uint32_t kMessageBoxError = 16;  // the stop icon
 constexpr std::uint8_t kSeeThroughAlpha = 229;  // of 255
 constexpr std::uint32_t kTimerId = 1;           // of every window here
 
+/// Who answers the messages of a window.
+class WindowMessages {
+ public:
+    virtual ~WindowMessages() = default;
+    /// @param message         its number, see window_messages.h
+    /// @param wParam, lParam  its two parameters
+    /// @return false where the message isn't one that the window answers
+    virtual bool HandleMessage(std::uint32_t message, std::uint64_t wParam, std::uint64_t lParam) = 0;
+};
+
 class WindowLayer {
  public:
     virtual ~WindowLayer() = default;
-    /// Opens a window without waiting for it. @return 0 when that fails
-    virtual WindowId CreateDialogWindow(WindowKind kind) = 0;
+    /// Opens a window without waiting for it.
+    /// @param receiver  gets the window's messages until it is destroyed; not owned
+    /// @return 0 when that fails
+    virtual WindowId CreateDialogWindow(WindowKind kind, WindowMessages& receiver) = 0;
     virtual void DestroyWindow(WindowId window) = 0;
     /// Lets the host's message loop serve the window.
     virtual void RegisterDlgWnd(WindowId window) = 0;

@@ -142,7 +142,7 @@ void ChooseKeys(const RecordedMotion& motion, const DriveSceneOptions& options, 
     }
 }
 
-std::vector<DMatrix3> FramesOf(const std::vector<MotionSample>& samples, std::span<const std::size_t> frames) {
+std::vector<DMatrix3> FramesOf(std::span<const MotionSample> samples, std::span<const std::size_t> frames) {
     std::vector<DMatrix3> result;
     result.reserve(frames.size());
     for (const std::size_t frame : frames) result.push_back(samples[frame].frame);

@@ -64,6 +64,9 @@ struct CarRig {
     double bufferPosition[kMaxComponents] = {};  // beside `units`: where each dashpot stands, scene units
     double steerValue = 0.0;                     // radians, right positive
     double steerSpare = 0.0;                     // stored and put back beside `steerValue`
+    /// Velocities don't belong to the recording: set by whoever puts another one in place, cleared by the next tick that is
+    /// driven, which derives them from what it rewound to.
+    bool velocitiesStale = false;
 
     CarRig() = default;
     CarRig(const CarRig&) = delete;

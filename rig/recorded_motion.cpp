@@ -10,16 +10,6 @@ namespace {
 // Room grows by the same number of frames each time: a run is short against memory, and steady growth is easy to foresee.
 constexpr std::int32_t kGrowthFrames = 500;
 
-template <typename T>
-void Grow(std::vector<T>& values, std::int32_t capacity) {
-    values.reserve(std::size_t(capacity));
-}
-
-template <typename T>
-void ForgetFrom(std::vector<T>& values, std::int32_t frames) {
-    values.resize(std::size_t(frames));
-}
-
 MotionSample SampleOf(const RigidBody& body) {
     MotionSample sample;
     CopyRecordedState(sample, body);
@@ -45,7 +35,7 @@ void RecordedMotion::Init(std::int32_t units, const RigidBody& chassisBody, std:
     Release();
     unitCount = units;
     capacity = kGrowthFrames;
-    ForEachArray(*this, [this](auto& values) { Grow(values, capacity); });
+    ForEachArray(*this, [this](auto& values) { values.GrowRoom(std::size_t(capacity)); });
 
     chassis.push_back(SampleOf(chassisBody));
     steer.push_back({});
@@ -55,17 +45,17 @@ void RecordedMotion::Init(std::int32_t units, const RigidBody& chassisBody, std:
     }
     times.push_back(kBeforeAllTime);
     frames = 1;
-    valid = true;
+    valid = 1;
 }
 
 void RecordedMotion::Release() {
     if (!valid) return;
-    // Swapped with fresh vectors, not cleared: an unlocked car gives its memory back.
-    ForEachArray(*this, [](auto& values) { std::remove_reference_t<decltype(values)>().swap(values); });
+    // Fresh arrays, not cleared ones: an unlocked car gives its memory back.
+    ForEachArray(*this, [](auto& values) { values = std::remove_reference_t<decltype(values)>(); });
     frames = 0;
     capacity = 0;
     unitCount = 0;
-    valid = false;
+    valid = 0;
 }
 
 std::int32_t RecordedMotion::Store(TimeValue tick, const RigidBody& chassisBody, std::span<const RigidBody> wheelBodies,
@@ -74,7 +64,7 @@ std::int32_t RecordedMotion::Store(TimeValue tick, const RigidBody& chassisBody,
     if (frames == capacity) {
         // Room for all arrays first: once it is there nothing below can fail, so they never differ in length.
         const std::int32_t grown = capacity + kGrowthFrames;
-        ForEachArray(*this, [grown](auto& values) { Grow(values, grown); });
+        ForEachArray(*this, [grown](auto& values) { values.GrowRoom(std::size_t(grown)); });
         capacity = grown;
     }
     steer.push_back(steerPair);
@@ -99,7 +89,7 @@ std::int32_t RecordedMotion::Rewind(TimeValue tick, RigidBody& chassisBody, std:
         bufferPosition[std::size_t(u)] = buffers[u][at];
     }
     frames = i + 1;
-    ForEachArray(*this, [this](auto& values) { ForgetFrom(values, frames); });
+    ForEachArray(*this, [this](auto& values) { values.SetFrames(std::size_t(frames)); });
     return frames;
 }
 

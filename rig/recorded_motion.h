@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
+#include "rig/frame_array.h"
 #include "rig/ticks.h"
 #include "solver/rigid_body.h"
 
@@ -35,15 +35,16 @@ struct CarRig;
 /// holds the pose of the assembly at the most negative tick, so a recording of one frame answers for all time.
 ///
 /// Not for use from two threads at once while one of them writes.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): clang names a variable so where it copies the arrays of arrays
 struct RecordedMotion {
-    bool valid = false;                                // there is a recording, and the car is locked
-    std::vector<MotionSample> chassis;                 // [frames]
-    std::vector<SteerSample> steer;                    // [frames]
-    std::vector<MotionSample> wheels[kMaxComponents];  // [unitCount][frames]
-    std::vector<double> buffers[kMaxComponents];       // [unitCount][frames], positions of the dashpots' springs, scene units
-    std::vector<TimeValue> times;                      // [frames], ascending
+    std::int32_t valid = 0;                           // flag: there is a recording, and the car is locked
+    FrameArray<MotionSample> chassis;                 // [frames]
+    FrameArray<SteerSample> steer;                    // [frames]
+    FrameArray<MotionSample> wheels[kMaxComponents];  // [unitCount][frames]
+    FrameArray<double> buffers[kMaxComponents];       // [unitCount][frames], positions of the dashpots' springs, scene units
+    FrameArray<TimeValue> times;                      // [frames], ascending
     std::int32_t frames = 0;
-    std::int32_t capacity = 0;  // frames that fit before the arrays grow
+    std::int32_t capacity = 0;  // frames that fit before the arrays grow; each array has that much room
     std::int32_t unitCount = 0;
 
     /// Starts a recording of one frame, the present pose, at the most negative tick. An older recording is dropped.

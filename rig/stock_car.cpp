@@ -63,47 +63,37 @@ SuspensionValues BackSuspension() {
 }
 
 /// Travel points down and the axle outwards, to the left (side -1) or to the right (side 1).
-DMatrix3 UnitFrame(double side, double axleY, const SuspensionUnit& unit) {
-    const double reach = RestReach(unit);
-    return {{{0.0, 0.0, -1.0}, {0.0, side, 0.0}, {side, 0.0, 0.0}, {side * (kHalfTrack - reach), axleY, kAxleZ}}};
+PlannedUnit Unit(double side, double axleY, const SuspensionValues& suspension) {
+    PlannedUnit unit{Wheel(), suspension, IdentityDMatrix3()};
+    const double reach = RestReach(MakeUnit(unit.wheel, unit.suspension, unit.frame, 0));
+    unit.frame = {{{0.0, 0.0, -1.0}, {0.0, side, 0.0}, {side, 0.0, 0.0}, {side * (kHalfTrack - reach), axleY, kAxleZ}}};
+    return unit;
 }
 
-void AddUnit(CarRig& rig, double side, double axleY, const SuspensionValues& suspension) {
-    const std::int32_t i = rig.unitCount++;
-    rig.units[i] = MakeUnit(Wheel(), suspension, IdentityDMatrix3(), std::uint32_t(i));
-    rig.units[i].frame = UnitFrame(side, axleY, rig.units[i]);
-}
-
-void AddSphere(CarRig& rig, const DPoint3& centre, float radius) {
+PlannedSphere Sphere(const DPoint3& centre, float radius) {
     SphereValues values = DefaultSphereValues();
     values.Radius = radius;
-    DMatrix3 frame = IdentityDMatrix3();
-    frame.row[3] = centre;
-    rig.spheres[rig.sphereCount++] = MakeSphere(values, frame);
+    return {values, centre};
 }
 
 }  // namespace
 
-void MakeStockCar(CarRig& rig, const DMatrix3& frame) {
-    rig.ResetMotion();
-    rig.chassisParams = MakeChassisParams(Body());
-    rig.unitCount = rig.hitchCount = rig.sphereCount = 0;
-    for (const double side : {-1.0, 1.0}) AddUnit(rig, side, kFrontAxleY, FrontSuspension());
-    for (const double side : {-1.0, 1.0}) AddUnit(rig, side, kBackAxleY, BackSuspension());
+CarPlan StockCarPlan() {
+    CarPlan plan;
+    plan.chassis = Body();
+    for (const double side : {-1.0, 1.0}) plan.units.push_back(Unit(side, kFrontAxleY, FrontSuspension()));
+    for (const double side : {-1.0, 1.0}) plan.units.push_back(Unit(side, kBackAxleY, BackSuspension()));
     for (const double side : {-1.0, 1.0}) {
-        AddSphere(rig, {side * 66.0, 198.0, -8.0}, 20.0f);
-        AddSphere(rig, {side * 66.0, -198.0, -8.0}, 20.0f);
-        AddSphere(rig, {side * 48.0, 35.0, 66.0}, 22.0f);
-        AddSphere(rig, {side * 48.0, -85.0, 66.0}, 22.0f);
+        plan.spheres.push_back(Sphere({side * 66.0, 198.0, -8.0}, 20.0f));
+        plan.spheres.push_back(Sphere({side * 66.0, -198.0, -8.0}, 20.0f));
+        plan.spheres.push_back(Sphere({side * 48.0, 35.0, 66.0}, 22.0f));
+        plan.spheres.push_back(Sphere({side * 48.0, -85.0, 66.0}, 22.0f));
     }
-
-    ResetBody(rig.chassisBody, frame);
-    for (std::int32_t i = 0; i < rig.unitCount; ++i) {
-        PlaceWheel(rig.units[i], rig.chassisBody, rig.wheelBodies[i], rig.bufferPosition[i]);
-    }
-    rig.steerValue = rig.steerSpare = 0.0;
-    rig.InitMotion();
+    plan.standingHeight = StockCarStandingHeight();
+    return plan;
 }
+
+void MakeStockCar(CarRig& rig, const DMatrix3& frame) { MakePlannedCar(StockCarPlan(), frame, rig); }
 
 double StockCarStandingHeight() { return double(kWheelRadius) - kAxleZ - kTyreSink; }
 

@@ -32,8 +32,11 @@ void DriveTick(DriveMaster& master, TimeValue& tickInOut, DriveInput input) {
     CarWorld& world = master.World();
     world.random.BeginTick(tick);
     // Half a sample back lies between the last sample before this frame and its first one, so no tick has to match exactly.
-    if (RewindCars(world, tick - ticksPerFrame / frameStep / 2)) {
-        for (int c = 0; c < world.carCount; ++c) RefreshVelocities(*world.rigs[c]);
+    const bool forgot = RewindCars(world, tick - ticksPerFrame / frameStep / 2);
+    for (int c = 0; c < world.carCount; ++c) {
+        CarRig& rig = *world.rigs[c];
+        if (forgot || rig.velocitiesStale) RefreshVelocities(rig);
+        rig.velocitiesStale = false;
     }
 
     const double dt = double(ticksPerFrame) / double(frameStep) / double(sampleStep) / double(kTicksPerSecond);

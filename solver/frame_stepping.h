@@ -37,9 +37,9 @@ void StoreCars(CarWorld& world, TimeValue tick);
 /// Drives one scene frame and moves `tickInOut` on by it. Goes on from what is recorded just before the frame and drops what
 /// was recorded after. Without a ground, or where the frame would pass the end of the animation range, nothing changes.
 ///
-/// A run that goes on where it stopped takes the velocities that its last step left; one that was taken back derives them anew,
-/// and so gives the bits of a run that never stopped. What puts a recording in place itself, a load say, calls
-/// `RefreshVelocities` before the first tick. All draws of the frame come from the generator's stream of this tick.
+/// A run that goes on where it stopped takes the velocities that its last step left; one that was taken back, and a car whose
+/// velocities are stale, derives them anew, and so gives the bits of a run that never stopped. All draws of the frame come from
+/// the generator's stream of this tick.
 ///
 /// @param input  a copy, so that what `BeforeSample` writes counts from the next tick on
 void DriveTick(DriveMaster& master, TimeValue& tickInOut, DriveInput input);

@@ -47,6 +47,40 @@ inline Point3 TransformVector(const Point3& v, const Matrix3& m) { return m.row[
 /// The image of point `p` under `m`.
 inline Point3 TransformPoint(const Point3& p, const Matrix3& m) { return TransformVector(p, m) + m.row[3]; }
 
+/// The frame that applies `a` first, then `b`.
+inline Matrix3 operator*(const Matrix3& a, const Matrix3& b) {
+    return {{TransformVector(a.row[0], b), TransformVector(a.row[1], b), TransformVector(a.row[2], b),
+             TransformPoint(a.row[3], b)}};
+}
+
+/// Looks for the frame that undoes `m`: cofactors over the determinant.
+///
+/// @param inverse  of `m` on true; on false not changed
+/// @return false if `m` has no inverse that single precision could hold: its axes lie in a plane, or it is not made of numbers
+inline bool FindInverse(const Matrix3& m, Matrix3& inverse) {
+    const Point3 a = m.row[0], b = m.row[1], c = m.row[2], t = m.row[3];
+    const float det = a.x * (b.y * c.z - b.z * c.y) + b.x * (c.y * a.z - c.z * a.y) + c.x * (a.y * b.z - a.z * b.y);
+    Matrix3 result;
+    result.row[0] = {(b.y * c.z - b.z * c.y) / det, (c.y * a.z - c.z * a.y) / det, (a.y * b.z - a.z * b.y) / det};
+    result.row[1] = {(b.z * c.x - b.x * c.z) / det, (c.z * a.x - c.x * a.z) / det, (a.z * b.x - a.x * b.z) / det};
+    result.row[2] = {(b.x * c.y - b.y * c.x) / det, (c.x * a.y - c.y * a.x) / det, (a.x * b.y - a.y * b.x) / det};
+    result.row[3] = -(result.row[0] * t.x + result.row[1] * t.y + result.row[2] * t.z);
+    if (!std::isfinite(det)) return false;  // dividing by it would crush everything to zero
+    for (const Point3& row : result.row) {
+        if (!std::isfinite(row.x) || !std::isfinite(row.y) || !std::isfinite(row.z)) return false;
+    }
+    inverse = result;
+    return true;
+}
+
+/// The frame that undoes `m`, or the identity where there is none: whoever has to tell the two apart asks `FindInverse`, and
+/// for all others nothing that they compute from it becomes a NaN.
+inline Matrix3 Inverse(const Matrix3& m) {
+    Matrix3 inverse = IdentityMatrix3();
+    FindInverse(m, inverse);
+    return inverse;
+}
+
 /// An axis-aligned box. Points on its faces belong to it.
 struct Box3 {
     Point3 pmin, pmax;

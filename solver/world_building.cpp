@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
 namespace tavrik {
 namespace {
@@ -21,8 +20,9 @@ HitchJoint MakeJoint(CarRig& rig, const HitchSlot& slot) {
     return joint;
 }
 
-bool Holds(const CarWorld& world, const CarRig* rig) {
-    return std::find(world.rigs, world.rigs + world.carCount, rig) != world.rigs + world.carCount;
+/// The place of a car in the world; one that isn't there yet has the place behind the last, where it would be put.
+int RankOf(const CarWorld& world, const CarRig& rig) {
+    return int(std::find(world.rigs, world.rigs + world.carCount, &rig) - world.rigs);
 }
 
 bool AddCar(CarWorld& world, CarRig& rig, WorldScene* scene) {
@@ -31,21 +31,29 @@ bool AddCar(CarWorld& world, CarRig& rig, WorldScene* scene) {
     return scene == nullptr || scene->CollectPushes(rig, world.pushes, world.pushCount);
 }
 
+/// Both sides of a pair come by, and one of them enters it: the car that came into the world first, or in a car that is hitched
+/// to itself the first slot. Which one has no meaning, only that it hangs on nothing but the scene.
+/// @param rank, partnerRank  places of the two cars in the world
+bool Enters(const HitchSlot& slot, int rank, int partnerRank) {
+    return rank != partnerRank ? rank < partnerRank : &slot < slot.partner;
+}
+
 bool AddJoint(CarWorld& world, const HitchJoint& joint) {
-    // Both sides of a pair come by, and one of them enters it: which one has no meaning.
-    if (!std::greater<>()(joint.bodyA, joint.bodyB)) return true;
     if (world.jointCount == kMaxJoints) return false;
     world.joints[world.jointCount++] = joint;
     return true;
 }
 
-bool AddNeighbours(CarWorld& world, CarRig& rig, WorldScene* scene) {
+/// @param rank  of the car whose neighbours are added
+bool AddNeighbours(CarWorld& world, int rank, WorldScene* scene) {
+    CarRig& rig = *world.rigs[rank];
     for (std::int32_t h = 0; h < rig.hitchCount; ++h) {
         const HitchSlot& slot = rig.hitches[h];
         if (slot.partner == nullptr) continue;
-        if (!AddJoint(world, MakeJoint(rig, slot))) return false;
-        CarRig* partner = slot.partner->ownerRig;
-        if (!Holds(world, partner) && !AddCar(world, *partner, scene)) return false;
+        CarRig& partner = *slot.partner->ownerRig;
+        const int partnerRank = RankOf(world, partner);
+        if (partnerRank == world.carCount && !AddCar(world, partner, scene)) return false;
+        if (Enters(slot, rank, partnerRank) && !AddJoint(world, MakeJoint(rig, slot))) return false;
     }
     return true;
 }
@@ -62,7 +70,7 @@ bool BuildWorld(CarWorld& world, CarRig& drivenRig, WorldScene* scene) {
     if (scene != nullptr) scene->LinkHitches();
     EmptyWorld(world);
     bool fits = AddCar(world, drivenRig, scene);
-    for (int c = 0; fits && c < world.carCount; ++c) fits = AddNeighbours(world, *world.rigs[c], scene);
+    for (int c = 0; fits && c < world.carCount; ++c) fits = AddNeighbours(world, c, scene);
     if (!fits) EmptyWorld(world);
     return fits;
 }

@@ -38,7 +38,7 @@ void HashBytes(std::uint64_t& hash, const void* bytes, std::size_t count) {
 }
 
 template <typename T>
-void HashAll(std::uint64_t& hash, const std::vector<T>& values) {
+void HashAll(std::uint64_t& hash, const FrameArray<T>& values) {
     HashBytes(hash, values.data(), values.size() * sizeof(T));
 }
 

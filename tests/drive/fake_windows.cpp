@@ -28,7 +28,7 @@ void FakeWindows::Keep(std::string call) {
 
 RecordingCanvas& FakeWindows::CanvasOf(WindowId window) { return canvases_[window]; }
 
-WindowId FakeWindows::CreateDialogWindow(WindowKind kind) {
+WindowId FakeWindows::CreateDialogWindow(WindowKind kind, WindowMessages&) {
     WindowId window = 0;
     if (canCreate) {
         window = ++last_;

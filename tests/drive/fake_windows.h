@@ -29,7 +29,7 @@ class FakeWindows : public WindowLayer {
     /// Canvases got and not given back.
     int OpenCanvases() const { return openCanvases_; }
 
-    WindowId CreateDialogWindow(WindowKind kind) override;
+    WindowId CreateDialogWindow(WindowKind kind, WindowMessages& receiver) override;
     void DestroyWindow(WindowId window) override;
     void RegisterDlgWnd(WindowId window) override;
     void UnRegisterDlgWnd(WindowId window) override;

@@ -116,7 +116,7 @@ TEST(RecordedMotionRelease, DropsEverything) {
     EXPECT_EQ(rig->motion.frames, 0);
     EXPECT_TRUE(rig->motion.chassis.empty());
     EXPECT_TRUE(rig->motion.wheels[0].empty());
-    EXPECT_EQ(rig->motion.chassis.capacity(), 0u);  // an unlocked car gives its memory back
+    EXPECT_EQ(rig->motion.chassis.Room().size(), 0u);  // an unlocked car gives its memory back
 }
 
 TEST(RecordedMotionRelease, ChangesNothingWhereThereIsNoRecording) {
@@ -124,7 +124,8 @@ TEST(RecordedMotionRelease, ChangesNothingWhereThereIsNoRecording) {
     motion.frames = 3;
     motion.capacity = 7;
     motion.unitCount = 2;
-    motion.times = {1, 2, 3};
+    motion.times.GrowRoom(3);
+    for (const TimeValue tick : {1, 2, 3}) motion.times.push_back(tick);
 
     motion.Release();
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <vector>
 
+#include "solver/world_step.h"
 #include "tests/solver/solver_scene.h"
 
 namespace tavrik::test {
@@ -117,12 +118,84 @@ TEST(BuildWorld, EachPairIsOneJointWithTheDataOfItsSlots) {
     EXPECT_EQ(joint.stiffness, 500'000.0);
     EXPECT_NEAR(joint.damping, 14142.1356, 1e-4);
     EXPECT_EQ(joint.damping, std::sqrt(500'000.0) * 20.0);
-    const bool firstIsA = joint.bodyA == &scene.cars[0]->chassisBody;
-    EXPECT_EQ(firstIsA ? joint.bodyB : joint.bodyA, &scene.cars[1]->chassisBody);
-    EXPECT_EQ(firstIsA ? joint.bodyA : joint.bodyB, &scene.cars[0]->chassisBody);
-    EXPECT_EQ((firstIsA ? joint.localA : joint.localB).y, -200.0);
-    EXPECT_EQ((firstIsA ? joint.localB : joint.localA).y, 200.0);
-    EXPECT_GT(std::uintptr_t(joint.bodyA), std::uintptr_t(joint.bodyB));
+    EXPECT_EQ(joint.bodyA, &scene.cars[0]->chassisBody);
+    EXPECT_EQ(joint.bodyB, &scene.cars[1]->chassisBody);
+    EXPECT_EQ(joint.localA.y, -200.0);
+    EXPECT_EQ(joint.localB.y, 200.0);
+}
+
+TEST(BuildWorld, JointsEnterInTheSameOrderWhereverTheCarsLieInMemory) {
+    // A towing car with two trailers abreast, the second of which tows a third: the cars of one scene lie in memory as those of
+    // the other, but play each other's parts.
+    for (const bool turned : {false, true}) {
+        HitchedCars scene(4);
+        const auto car = [&](int i) { return turned ? 3 - i : i; };
+        const auto body = [&](int i) { return &scene.cars[std::size_t(car(i))]->chassisBody; };
+        scene.Hitch(car(2), car(0));
+        scene.Hitch(car(3), car(2));
+        scene.Hitch(car(0), car(1));
+        CarWorld& world = EmptyWorld();
+        ASSERT_TRUE(BuildWorld(world, *scene.cars[std::size_t(car(0))], &scene));
+        ASSERT_EQ(world.jointCount, 3);
+        const int expected[3][2] = {{0, 2}, {0, 1}, {2, 3}};
+        for (int j = 0; j < 3; ++j) {
+            EXPECT_EQ(world.joints[j].bodyA, body(expected[j][0])) << j << turned;
+            EXPECT_EQ(world.joints[j].bodyB, body(expected[j][1])) << j << turned;
+        }
+    }
+}
+
+TEST(BuildWorld, CarsHitchedTwiceHaveAJointForEachPairOfSlots) {
+    HitchedCars scene(2);
+    scene.Hitch(0, 1, 100.0);
+    scene.Hitch(1, 0, 400.0);
+    CarWorld& world = EmptyWorld();
+    ASSERT_TRUE(BuildWorld(world, *scene.cars[1], &scene));
+    ASSERT_EQ(world.jointCount, 2);
+    for (int j = 0; j < 2; ++j) EXPECT_EQ(world.joints[j].bodyA, &scene.cars[1]->chassisBody) << j;
+    EXPECT_EQ(world.joints[0].damping, 200.0);
+    EXPECT_EQ(world.joints[1].damping, 400.0);
+}
+
+TEST(BuildWorld, ACarHitchedToItselfHasOneJointFromItsFirstSlot) {
+    HitchedCars scene(1);
+    scene.Hitch(0, 0);
+    CarWorld& world = EmptyWorld();
+    ASSERT_TRUE(BuildWorld(world, *scene.cars[0], &scene));
+    EXPECT_EQ(world.carCount, 1);
+    ASSERT_EQ(world.jointCount, 1);
+    EXPECT_EQ(world.joints[0].bodyA, world.joints[0].bodyB);
+    EXPECT_EQ(world.joints[0].localA.y, -200.0);
+    EXPECT_EQ(world.joints[0].localB.y, 200.0);
+}
+
+TEST(BuildWorld, ASlotThatIsItsOwnPartnerHasNoJoint) {
+    HitchedCars scene(1);
+    scene.AddUnconnectedSlot(0);
+    HitchSlot& slot = scene.cars[0]->hitches[0];
+    slot.partner = &slot;
+    slot.ownerRig = scene.cars[0].get();
+    CarWorld& world = EmptyWorld();
+    ASSERT_TRUE(BuildWorld(world, *scene.cars[0], &scene));
+    EXPECT_EQ(world.jointCount, 0);
+}
+
+TEST(BuildWorld, ATrailerIsTowedWithoutChangingTheMomentumOfAll) {
+    HitchedCars scene(3);
+    scene.Hitch(0, 1);
+    scene.Hitch(1, 2);
+    CarWorld& world = EmptyWorld();
+    ASSERT_TRUE(BuildWorld(world, *scene.cars[0], &scene));
+    scene.cars[0]->chassisBody.momentum = {1e4, 5e5, -2e4};
+    for (const auto& car : scene.cars) RefreshVelocities(*car);
+    const DPoint3 before = scene.cars[0]->chassisBody.momentum;
+
+    for (int i = 0; i < 1000; ++i) WorldStep(world, 0.0, kDt, NoGround(), /*gravity=*/0.0, StockInput());
+
+    DPoint3 after{};
+    for (const auto& car : scene.cars) after += car->chassisBody.momentum;
+    EXPECT_LT(Length(after - before), 1e-6);  // of 5e5
+    for (int c = 1; c < 3; ++c) EXPECT_GT(Length(scene.cars[std::size_t(c)]->chassisBody.momentum), 1e4) << c;
 }
 
 TEST(BuildWorld, ARingOfCarsHasAsManyJointsAsCars) {
@@ -193,6 +266,16 @@ TEST(BuildWorld, HoldsAHundredJointsAndRefusesOneMore) {
     EXPECT_TRUE(BuildWorld(world, *scene.cars[1], &scene));
     scene.Hitch(0, 1);
     ExpectRefused(scene);
+}
+
+TEST(BuildWorld, AFullWorldIsNotTouchedBehindItsLastJoint) {
+    HitchedCars scene(2);
+    for (int j = 0; j < kMaxJoints; ++j) scene.Hitch(0, 1);
+    CarWorld& world = EmptyWorld();
+    ASSERT_TRUE(BuildWorld(world, *scene.cars[0], &scene));  // the second car comes by all its slots with no place left
+    EXPECT_EQ(world.jointCount, kMaxJoints);
+    EXPECT_EQ(world.pushCount, 0);
+    for (int j = 0; j < kMaxJoints; ++j) EXPECT_EQ(world.joints[j].localA.z, 1.0 + j);
 }
 
 TEST(BuildWorld, RefusesMorePushesThanAWorldHolds) {
