@@ -9,6 +9,8 @@ target_compile_options(
     INTERFACE
         # A fused multiply-add rounds once where the source rounds twice: recordings would depend on the compiler.
         -ffp-contract=off
+        # Nobody replaces a function of a shared library from outside, so calls within it may be inlined.
+        -fno-semantic-interposition
         # Nobody reads errno after a square root, and without it the root is one instruction.
         -fno-math-errno
         # Angles go to the C library at run time: a compiler that works out, or pairs, sines by itself may round another way.
@@ -31,17 +33,35 @@ target_compile_options(
         $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
         $<$<BOOL:${TAVRIK_WERROR}>:-Werror>)
 
-# tavrik_library(<name> SOURCES <.cpp>... HEADERS <.h>... LINKS <libraries>...)
-function(tavrik_library name)
+# What static and shared libraries have in common.
+function(tavrik_library_of_type type name)
     cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;LINKS" ${ARGN})
-    add_library(${name} STATIC)
+    add_library(${name} ${type})
     target_sources(
         ${name}
         PRIVATE ${ARG_SOURCES}
         PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
     target_link_libraries(${name} PUBLIC tavrik_flags ${ARG_LINKS} PRIVATE tavrik_warnings)
     # Each header compiles alone: `cmake --build ... --target all_verify_interface_header_sets`.
-    set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF VERIFY_INTERFACE_HEADER_SETS ON)
+    # A static library may end up in a shared one too, hence position-independent code everywhere.
+    set_target_properties(
+        ${name}
+        PROPERTIES CXX_EXTENSIONS OFF
+                   VERIFY_INTERFACE_HEADER_SETS ON
+                   POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# tavrik_library(<name> SOURCES <.cpp>... HEADERS <.h>... LINKS <libraries>...)
+function(tavrik_library name)
+    tavrik_library_of_type(STATIC ${name} ${ARGN})
+    # Whichever shared library takes this one in keeps it to itself, so that two copies in a process never mix, and no call or
+    # variable takes the detour by way of the dynamic linker.
+    set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+# tavrik_shared_library(<name> SOURCES <.cpp>... HEADERS <.h>... LINKS <libraries>...): all its names are visible from outside.
+function(tavrik_shared_library name)
+    tavrik_library_of_type(SHARED ${name} ${ARGN})
 endfunction()
 
 # tavrik_program(<name> SOURCES <.cpp>... LINKS <libraries>...)

@@ -6,6 +6,7 @@ namespace tavrik {
 
 void MakePlannedCar(const CarPlan& plan, const DMatrix3& frame, CarRig& rig) {
     assert(plan.units.size() <= kMaxComponents && plan.spheres.size() <= kMaxComponents);
+    assert(plan.couplings.size() <= kMaxComponents);
     rig.ResetMotion();
     rig.chassisParams = MakeChassisParams(plan.chassis);
     rig.unitCount = rig.hitchCount = rig.sphereCount = 0;
@@ -17,6 +18,11 @@ void MakePlannedCar(const CarPlan& plan, const DMatrix3& frame, CarRig& rig) {
         DMatrix3 place = IdentityDMatrix3();
         place.row[3] = sphere.centre;
         rig.spheres[rig.sphereCount++] = MakeSphere(sphere.values, place);
+    }
+    for (const PlannedCoupling& coupling : plan.couplings) {
+        DMatrix3 place = IdentityDMatrix3();
+        place.row[3] = coupling.place;
+        rig.hitches[rig.hitchCount++].frame = place;
     }
     ResetBody(rig.chassisBody, frame);
     for (std::int32_t i = 0; i < rig.unitCount; ++i) {

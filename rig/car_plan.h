@@ -1,6 +1,6 @@
 #pragma once
-/// A car as an artist would set it up: what each object is set to, and where it stands. Generators write plans; a plan becomes a
-/// rig at once, or helper objects in a scene.
+/// A car as an artist would set it up: what each object is set to, and where it stands. Generators write plans; a plan becomes
+/// a rig at once, or helper objects in a scene.
 
 #include <vector>
 
@@ -21,10 +21,19 @@ struct PlannedSphere {
     DPoint3 centre;  // in chassis space
 };
 
+/// One half of a connection between two cars.
+struct PlannedCoupling {
+    bool isHitch;      // of the car in front; else the tongue of the one behind
+    DPoint3 place;     // in chassis space
+    float Radius;      // of the drawn ball or cup, scene units
+    float Ruggedness;  // of a hitch, mass / s^2
+};
+
 struct CarPlan {
     ChassisValues chassis;
     std::vector<PlannedUnit> units;
     std::vector<PlannedSphere> spheres;
+    std::vector<PlannedCoupling> couplings;
     double standingHeight = 0.0;  // of the chassis' origin above a level ground at rest, scene units
 };
 

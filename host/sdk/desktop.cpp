@@ -1,0 +1,10 @@
+#include "host/sdk/desktop.h"
+
+namespace tavrik {
+
+Desktop& TheDesktop() {
+    static Desktop desktop;
+    return desktop;
+}
+
+}  // namespace tavrik

@@ -1,0 +1,21 @@
+#pragma once
+/// All of the host that plug-ins commonly use.
+
+#include "box3.h"
+#include "control.h"
+#include "custcont.h"
+#include "inode.h"
+#include "interval.h"
+#include "ioapi.h"
+#include "matrix3.h"
+#include "maxapi.h"
+#include "maxtypes.h"
+#include "mesh.h"
+#include "mouseman.h"
+#include "notify.h"
+#include "object.h"
+#include "plugapi.h"
+#include "point3.h"
+#include "ref.h"
+#include "triobj.h"
+#include "units.h"

@@ -1,0 +1,38 @@
+#pragma once
+/// How pages come to the command panel and leave it: what the host's own interface and the parameter blocks call.
+
+#include "host/sdk/panels.h"
+
+namespace tavrik_host {
+
+// The bodies of the calls of the same kind in `Interface`.
+HWND AddPage(HINSTANCE instance, const MCHAR* dlgTemplate, DLGPROC proc, const MCHAR* title, LPARAM param, DWORD rollUpFlags,
+             int category);
+void DeletePage(HWND page);
+void RegisterPage(HWND page);
+/// @return whether it was registered
+int UnregisterPage(HWND page);
+
+/// Opens a page for each rollout that the table of `block` declares, in its order.
+void OpenMapPages(IParamBlock2& block);
+/// Closes them, if they are open; their procedures end.
+void CloseMapPages(IParamBlock2& block);
+/// Puts `proc` (or none) on the open page of a block with this table, and lets it set the page up. Without such a page nothing
+/// happens.
+void SetPageProc(const ParamBlockDesc2& desc, MapID map, ParamMap2UserDlgProc* proc);
+/// @return null unless its page is open
+IParamMap2* OpenMap(const IParamBlock2& block, MapID map);
+
+/// Finds the text of a library's string table entry. Without one titles from string tables stay empty: a library keeps its
+/// strings to itself.
+using LibraryString = std::wstring (*)(HINSTANCE, int);
+void SetLibraryString(LibraryString find);
+
+/// How often blocks with this table asked for a fresh look at their values, since the start of the process.
+int InvalidateCount(const ParamBlockDesc2& desc);
+void CountInvalidate(const ParamBlockDesc2& desc);
+
+/// Spinners that somebody got and has not released.
+int HeldSpinners();
+
+}  // namespace tavrik_host
