@@ -5,13 +5,14 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 #include <map>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "cli/drive_words.h"
+#include "cli/scene_words.h"
 #include "rig/component_values.h"
 
 namespace tavrik {
@@ -39,30 +40,19 @@ struct HudWords {
     double at = 3.0;
 };
 
-bool SameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
-    std::error_code error;
-    if (std::filesystem::equivalent(a, b, error)) return true;
-    // A name without a folder that exists would stay as it was typed.
-    const auto whole = [&](const std::filesystem::path& file) {
-        return std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error);
-    };
-    return whole(a) == whole(b);
-}
+/// A file of the user's with the option that names it.
+using NamedFile = std::pair<std::string_view, const std::filesystem::path*>;
 
 /// No file that is written may be one that is read, nor be written twice.
-bool CheckFilesApart(const DriveOrder& order, std::string& problem) {
-    const std::pair<std::string_view, const std::filesystem::path*> files[] = {{"--ground", &order.drive.ground},
-                                                                               {"--input", &order.drive.input},
-                                                                               {"--out", &order.out},
-                                                                               {"--telemetry", &order.telemetry},
-                                                                               {"--plot", &order.plot}};
-    constexpr std::size_t kFirstWritten = 2;
-    for (std::size_t i = kFirstWritten; i < std::size(files); ++i) {
-        for (std::size_t j = 0; j < i; ++j) {
-            if (files[i].second->empty() || files[j].second->empty() || !SameFile(*files[i].second, *files[j].second)) continue;
-            problem = fmt::format("{} and {} are the same file, {}", files[j].first, files[i].first, files[i].second->string());
+bool CheckFilesApart(std::initializer_list<NamedFile> read, std::initializer_list<NamedFile> written, std::string& problem) {
+    std::vector<NamedFile> others = read;
+    for (const NamedFile& file : written) {
+        for (const NamedFile& other : others) {
+            if (file.second->empty() || other.second->empty() || !SameFile(*file.second, *other.second)) continue;
+            problem = fmt::format("{} and {} are the same file, {}", other.first, file.first, file.second->string());
             return false;
         }
+        others.push_back(file);
     }
     return true;
 }
@@ -76,7 +66,26 @@ bool MakeDriveOrder(const DriveWords& words, const DriveFileWords& files, DriveO
         problem = fmt::format("--out writes glTF and takes a name that ends in .glb, not \"{}\"", files.out);
         return false;
     }
-    return MakeDriveOptions(words, "--at", order.drive, problem) && CheckFilesApart(order, problem);
+    if (words.ground.empty()) {
+        problem = "drive takes a scene or a --ground";
+        return false;
+    }
+    return MakeDriveOptions(words, "--at", order.drive, problem) &&
+           CheckFilesApart({{"--ground", &order.drive.ground}, {"--input", &order.drive.input}},
+                           {{"--out", &order.out}, {"--telemetry", &order.telemetry}, {"--plot", &order.plot}}, problem);
+}
+
+bool MakeSceneDrive(const CLI::App& app, const DriveWords& words, const DriveFileWords& files, const SceneWords& scene,
+                    SceneDriveOrder& order, std::string& problem) {
+    order.out = files.out;
+    order.telemetry = files.telemetry;
+    order.plot = files.plot;
+    if (!MakeSceneDriveOrder(app, words, scene, order, problem)) return false;
+    // The scene itself may be written in place, but nothing else over it.
+    return CheckFilesApart({{"SCENE", &order.scene}, {"--input", &order.input}},
+                           {{"--telemetry", &order.telemetry}, {"--plot", &order.plot}}, problem) &&
+           CheckFilesApart({{"--input", &order.input}, {"--telemetry", &order.telemetry}, {"--plot", &order.plot}},
+                           {{"--out", &order.out}}, problem);
 }
 
 bool MakeGroundOrder(const GroundWords& words, GroundOrder& order, std::string& problem) {
@@ -125,10 +134,11 @@ bool MakeStandOrder(StandOrder& order, std::string& problem) {
     return false;
 }
 
-void AddDriveOptions(CLI::App& app, DriveWords& words, DriveFileWords& files) {
-    AddDriveWords(app, words, "--at", true);
+void AddDriveOptions(CLI::App& app, DriveWords& words, DriveFileWords& files, SceneWords& scene) {
+    AddSceneDriveOptions(app, scene);
+    AddDriveWords(app, words, "--at", "; the stock car is put on it");
     app.add_option("--seconds", words.seconds, "How long to drive, default 20")->type_name("S");
-    app.add_option("--out", files.out, "Scene with the drive, .glb")->type_name("FILE");
+    app.add_option("--out", files.out, "Scene with the drive, .glb; a scene is else saved in place")->type_name("FILE");
     app.add_option("--telemetry", files.telemetry, "Readings of every sample, CSV")->type_name("FILE");
     app.add_option("--plot", files.plot, "Path, speed and suspension travel, SVG")->type_name("FILE");
     app.add_option("--keys", files.keys, "Keys in the scene at: samples (default) or frames")->type_name("WHEN");
@@ -163,7 +173,7 @@ void AddControlsOptions(CLI::App& app, ControlsOrder& order) {
 }
 
 void AddHudOptions(CLI::App& app, DriveWords& words, HudWords& hud) {
-    AddDriveWords(app, words, "--start", false);
+    AddDriveWords(app, words, "--start", "; else the sample ground");
     app.add_option("--at", hud.at, "Second of the drive, default 3")->type_name("SECONDS");
     app.add_option("--out", hud.out, "Picture to write, .png")->type_name("FILE")->required();
 }
@@ -209,8 +219,9 @@ int TellUsage(std::string message, std::string_view command) {
 /// The words of all commands, and what they came to.
 struct Commands {
     CLI::App app{"Drives a car over a mesh and keeps the motion.", "tavrik"};
-    CLI::App *drive, *ground, *controls, *hud, *stand;
-    DriveWords driveWords, hudDriveWords;
+    CLI::App *drive, *make, *garage, *info, *bake, *reset, *ground, *controls, *hud, *stand;
+    DriveWords driveWords, hudDriveWords, newWords, garageWords;
+    SceneWords driveScene, newScene, garageScene, infoScene, bakeScene, resetScene;
     DriveFileWords driveFiles;
     GroundWords groundWords;
     ControlsOrder controlsOrder;
@@ -221,12 +232,22 @@ struct Commands {
         app.set_version_flag("--version", "tavrik " TAVRIK_VERSION, "Print the version");
         app.set_help_flag("-h,--help", "Print this help");
         app.require_subcommand(1);
-        drive = app.add_subcommand("drive", "Drive the stock car over a ground");
+        make = app.add_subcommand("new", "Make a scene with the stock car on a ground");
+        garage = app.add_subcommand("garage", "Make a scene with a vehicle other than the stock car alone");
+        drive = app.add_subcommand("drive", "Drive the car of a scene, or the stock car over a ground");
+        info = app.add_subcommand("info", "Tell what is in a scene, and what its cars leave out");
+        bake = app.add_subcommand("bake", "Write a scene's motion as plain glTF for other programs");
+        reset = app.add_subcommand("reset", "Unlock the cars of a scene");
         ground = app.add_subcommand("ground", "Make a ground to drive on");
         controls = app.add_subcommand("controls", "Show, set or reset the keys and buttons that drive");
         hud = app.add_subcommand("hud", "Paint the drive window as it looks at some second of a drive");
         stand = app.add_subcommand("stand", "Paint a damper on its running-in stand");
-        AddDriveOptions(*drive, driveWords, driveFiles);
+        AddNewOptions(*make, newWords, newScene);
+        AddGarageOptions(*garage, garageWords, garageScene);
+        AddDriveOptions(*drive, driveWords, driveFiles, driveScene);
+        AddInfoOptions(*info, infoScene);
+        AddBakeOptions(*bake, bakeScene);
+        AddResetOptions(*reset, resetScene);
         AddGroundOptions(*ground, groundWords);
         AddControlsOptions(*controls, controlsOrder);
         AddHudOptions(*hud, hudDriveWords, hudWords);
@@ -234,12 +255,13 @@ struct Commands {
         app.footer(
             "Example:\n"
             "  tavrik ground sample --out ground.obj\n"
-            "  tavrik drive --ground ground.obj --out drive.glb --plot drive.svg");
+            "  tavrik new --ground ground.obj --out scene.glb\n"
+            "  tavrik drive scene.glb --plot drive.svg");
     }
 
     /// The command at hand, for messages.
     std::string Name() const {
-        for (const CLI::App* command : {drive, ground, controls, hud, stand}) {
+        for (const CLI::App* command : {make, garage, drive, info, bake, reset, ground, controls, hud, stand}) {
             if (command->parsed()) return command->get_name() + " ";
         }
         return "";
@@ -248,6 +270,17 @@ struct Commands {
 
 /// Fills the one order that was given. @return false with `problem` set when its words make no sense
 bool FillOrder(const Commands& commands, Order& order, std::string& problem) {
+    if (commands.make->parsed()) return MakeNewOrder(commands.newWords, commands.newScene, order.make.emplace(), problem);
+    if (commands.garage->parsed()) {
+        return MakeGarageOrder(*commands.garage, commands.garageWords, commands.garageScene, order.garage.emplace(), problem);
+    }
+    if (commands.info->parsed()) return MakeInfoOrder(commands.infoScene, order.info.emplace(), problem);
+    if (commands.bake->parsed()) return MakeBakeOrder(commands.bakeScene, order.bake.emplace(), problem);
+    if (commands.reset->parsed()) return MakeResetOrder(commands.resetScene, order.reset.emplace(), problem);
+    if (commands.drive->parsed() && !commands.driveScene.scene.empty()) {
+        return MakeSceneDrive(*commands.drive, commands.driveWords, commands.driveFiles, commands.driveScene,
+                              order.sceneDrive.emplace(), problem);
+    }
     if (commands.drive->parsed()) {
         return MakeDriveOrder(commands.driveWords, commands.driveFiles, order.drive.emplace(), problem);
     }

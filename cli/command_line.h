@@ -22,6 +22,50 @@ struct DriveOrder {
     KeyChoice keys = KeyChoice::EverySample;
 };
 
+/// `tavrik drive SCENE`
+struct SceneDriveOrder {
+    std::filesystem::path scene, out, input, telemetry, plot;  // empty: in place, half throttle, not wanted
+    std::string master;                                        // empty: the only one
+    double seconds = 20.0;
+    std::optional<double> from;  // where to go on in the recording; none: a new drive from the start
+    std::optional<std::uint64_t> seed;
+};
+
+/// `tavrik new`
+struct NewOrder {
+    std::filesystem::path ground, out;  // no ground: the sample
+    GroundImport import;
+    std::optional<CarSpot> start;
+    double seconds = 20.0;  // of the timeline
+    std::int32_t ticksPerFrame = 160;
+};
+
+/// `tavrik garage`
+struct GarageOrder {
+    std::string name;                   // empty: list what there is
+    std::filesystem::path ground, out;  // no ground: the scene's own
+    GroundImport import;
+    std::optional<CarSpot> start;
+    double seconds = 20.0;  // of the timeline
+};
+
+/// `tavrik info`
+struct InfoOrder {
+    std::filesystem::path scene;
+};
+
+/// `tavrik bake`
+struct BakeOrder {
+    std::filesystem::path scene, out;
+    KeyChoice keys = KeyChoice::EverySample;
+};
+
+/// `tavrik reset`
+struct ResetOrder {
+    std::filesystem::path scene, out;  // no `out`: in place
+    std::string master;                // empty: all
+};
+
 /// `tavrik ground`
 struct GroundOrder {
     SampleGround ground;
@@ -53,6 +97,12 @@ struct StandOrder {
 /// One of them, or none where `exitStatus` is all that is left to do.
 struct Order {
     std::optional<DriveOrder> drive;
+    std::optional<SceneDriveOrder> sceneDrive;
+    std::optional<NewOrder> make;
+    std::optional<GarageOrder> garage;
+    std::optional<InfoOrder> info;
+    std::optional<BakeOrder> bake;
+    std::optional<ResetOrder> reset;
     std::optional<GroundOrder> ground;
     std::optional<ControlsOrder> controls;
     std::optional<HudOrder> hud;
@@ -67,6 +117,12 @@ Order ReadCommandLine(int argc, char** argv);
 /// Carries an order out. Each says what it did on the standard output, or what kept it from that in one sentence on the error
 /// output. @return the exit status
 int RunDrive(const DriveOrder& order);
+int RunSceneDrive(const SceneDriveOrder& order);
+int RunNew(const NewOrder& order);
+int RunGarage(const GarageOrder& order);
+int RunInfo(const InfoOrder& order);
+int RunBake(const BakeOrder& order);
+int RunReset(const ResetOrder& order);
 int RunGround(const GroundOrder& order);
 int RunControls(const ControlsOrder& order);
 int RunHud(const HudOrder& order);

@@ -60,19 +60,30 @@ bool SetTimes(const DriveWords& words, DriveOptions& options, std::string& probl
 
 }  // namespace
 
-void AddDriveWords(CLI::App& app, DriveWords& words, const std::string& startOption, bool groundNeeded) {
-    const std::string orElse = groundNeeded ? "" : "; else the sample ground";
-    CLI::Option* ground =
-        app.add_option("--ground", words.ground, "Mesh to drive on: " + KnownMeshExtensions() + orElse)->type_name("FILE");
-    if (groundNeeded) ground->required();
+void AddGroundWords(CLI::App& app, DriveWords& words, const std::string& orElse) {
+    app.add_option("--ground", words.ground, "Mesh to drive on: " + KnownMeshExtensions() + orElse)->type_name("FILE");
     app.add_option("--up", words.up, "Its up axis, y or z; else as the file tells, or z")->type_name("AXIS");
     app.add_option("--unit", words.unit, "Its unit: m, cm, mm, in, ft; else as the file tells, or m")->type_name("UNIT");
+}
+
+void AddDriveWords(CLI::App& app, DriveWords& words, const std::string& startOption, const std::string& orElse) {
+    AddGroundWords(app, words, orElse);
     app.add_option("--input", words.input, "Driver: rows or events, see below; else half throttle, straight on")
         ->type_name("FILE");
     app.add_option("--fps", words.fps, "Frames a second, default 30; a whole part of 4800")->type_name("N");
     app.add_option("--seed", words.seed, "Of the random numbers, default 1; the same gives the same bits")->type_name("N");
     app.add_option(startOption, words.start, "Start: metres, Z up; degrees clockwise from +y. Else the middle")
         ->type_name("X,Y,HEADING");
+}
+
+bool SameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+    std::error_code error;
+    if (std::filesystem::equivalent(a, b, error)) return true;
+    // A name without a folder that exists would stay as it was typed.
+    const auto whole = [&](const std::filesystem::path& file) {
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error);
+    };
+    return whole(a) == whole(b);
 }
 
 bool MakeDriveOptions(const DriveWords& words, std::string_view startOption, DriveOptions& options, std::string& problem) {

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <string_view>
@@ -20,9 +21,14 @@ struct DriveWords {
     std::uint64_t seed = 1;
 };
 
-/// @param startOption    the name under which the command takes the start, such as "--at"
-/// @param groundNeeded   whether the command can't do without a ground
-void AddDriveWords(CLI::App& app, DriveWords& words, const std::string& startOption, bool groundNeeded);
+/// The options that name a ground. @param orElse  what is driven on without one, for the help
+void AddGroundWords(CLI::App& app, DriveWords& words, const std::string& orElse);
+
+/// @param startOption  the name under which the command takes the start, such as "--at"
+/// @param orElse       what is driven on without a ground, for the help
+void AddDriveWords(CLI::App& app, DriveWords& words, const std::string& startOption, const std::string& orElse);
+
+bool SameFile(const std::filesystem::path& a, const std::filesystem::path& b);
 
 /// @param problem  on false: what is wrong with the words, without a full stop
 bool MakeDriveOptions(const DriveWords& words, std::string_view startOption, DriveOptions& options, std::string& problem);

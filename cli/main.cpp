@@ -10,6 +10,12 @@ int main(int argc, char** argv) {
     try {
         const tavrik::Order order = tavrik::ReadCommandLine(argc, argv);
         if (order.drive) return tavrik::RunDrive(*order.drive);
+        if (order.sceneDrive) return tavrik::RunSceneDrive(*order.sceneDrive);
+        if (order.make) return tavrik::RunNew(*order.make);
+        if (order.garage) return tavrik::RunGarage(*order.garage);
+        if (order.info) return tavrik::RunInfo(*order.info);
+        if (order.bake) return tavrik::RunBake(*order.bake);
+        if (order.reset) return tavrik::RunReset(*order.reset);
         if (order.ground) return tavrik::RunGround(*order.ground);
         if (order.controls) return tavrik::RunControls(*order.controls);
         if (order.hud) return tavrik::RunHud(*order.hud);

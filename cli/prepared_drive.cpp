@@ -9,9 +9,6 @@
 #include "drive/controls_config.h"
 #include "drive/drive_settings.h"
 #include "host/controls_file.h"
-#include "host/driver_script_file.h"
-#include "host/event_script_file.h"
-#include "host/read_file.h"
 #include "rig/stock_car.h"
 #include "samples/sample_ground.h"
 
@@ -22,23 +19,10 @@ namespace {
 CarWorld world;
 CarRig car;
 
-/// The driver is a table of rows, or events that come to the window and the gamepad as a live driver's do.
-bool ReadHands(const DriveOptions& options, PreparedDrive& drive, std::string& problem) {
-    if (options.input.empty()) {
-        drive.rows.rows = {{.throttle = 0.5f}};
-        return true;
-    }
-    std::string text;
-    if (!ReadWholeFile(options.input, text, problem)) return false;
-    const std::string name = options.input.string();
-    return LooksLikeEvents(text) ? ReadEventScriptText(name, text, drive.events, problem)
-                                 : ReadDriverScriptText(name, text, drive.rows, problem);
-}
-
 /// Live hands meet the user's own bindings.
 bool SetParams(PreparedDrive& drive, std::string& problem) {
     WriteDriveSettings(StockCarSettings(), drive.params);
-    if (drive.events.events.empty()) {
+    if (!drive.hands.ByEvents()) {
         drive.params.SetInt(MasterParam::Driving_Type, kDriveToTarget);
         return true;
     }
@@ -47,7 +31,7 @@ bool SetParams(PreparedDrive& drive, std::string& problem) {
         problem = file.Problem();
         return false;
     }
-    drive.params.SetInt(MasterParam::Driving_Type, std::int32_t(DrivingTypeOf(drive.events)));
+    drive.params.SetInt(MasterParam::Driving_Type, std::int32_t(DrivingTypeOf(drive.hands.events)));
     return true;
 }
 
@@ -84,15 +68,15 @@ void MakeRun(const DriveOptions& options, Canvas& canvas, PreparedDrive& drive) 
     drive.ticksPerFrame = options.ticksPerFrame;
     // A time that isn't a whole number of frames gets the frame in which it ends.
     drive.frames = std::max(1, int(std::ceil(options.seconds * kTicksPerSecond / options.ticksPerFrame - 1e-9)));
-    const bool byEvents = !drive.events.events.empty();
+    const bool byEvents = drive.hands.ByEvents();
     VirtualRunSetup setup;
     setup.world = &world;
     setup.rig = &car;
     setup.surface = &drive.surface;
     setup.params = &drive.params;
     setup.canvas = &canvas;
-    setup.rows = byEvents ? nullptr : &drive.rows;
-    setup.events = byEvents ? &drive.events : nullptr;
+    setup.rows = byEvents ? nullptr : &drive.hands.rows;
+    setup.events = byEvents ? &drive.hands.events : nullptr;
     setup.ticksPerFrame = options.ticksPerFrame;
     setup.frames = drive.frames;
     setup.metresPerUnit = kMetresPerUnit;
@@ -107,8 +91,8 @@ std::string GroundName(const DriveOptions& options) {
 }
 
 bool PrepareDrive(const DriveOptions& options, Canvas& canvas, Progress& progress, PreparedDrive& drive, std::string& problem) {
-    if (!ReadHands(options, drive, problem) || !SetParams(drive, problem) || !BuildSurface(options, drive, progress, problem) ||
-        !PutCarDown(options, drive, problem)) {
+    if (!ReadHands(options.input, drive.hands, problem) || !SetParams(drive, problem) ||
+        !BuildSurface(options, drive, progress, problem) || !PutCarDown(options, drive, problem)) {
         return false;
     }
     MakeRun(options, canvas, drive);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "cli/hands.h"
 #include "cli/progress.h"
 #include "drive/table_params.h"
 #include "drive/virtual_run.h"
@@ -34,8 +35,7 @@ struct PreparedDrive {
     TriangleMesh ground;
     SurfaceTree surface;
     TableParams params{*FindParamTable("Tavrik")};
-    DriverScript rows;
-    EventScript events;
+    Hands hands;
     CarRig* car = nullptr;
     std::unique_ptr<VirtualRun> run;
     std::int32_t ticksPerFrame = 160;

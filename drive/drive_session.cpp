@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::string_view kTitle = "Tavrik";
 constexpr std::string_view kNoCar = "You didn't setup the Car.\nDo Car Setup.";
+constexpr std::string_view kTooMuch = "There are more than 100 cars, hitches or pushes in this run.\nUse fewer.";
 constexpr std::string_view kNoSurface = "You didn't select \"Surface Object\" or\n didn't press \"Update Surface\" button.";
 
 using Param = MasterParam;
@@ -111,7 +112,10 @@ void DriveSession::OpenDrive() {
         return;
     }
     ReadSettings();
-    BuildWorld(master_.World(), *rig, master_.Scene());
+    if (!BuildWorld(master_.World(), *rig, master_.Scene())) {
+        windows_.ShowMessageBox(window, kTooMuch, kTitle, kMessageBoxError);
+        return;
+    }
     if (window != 0) return;
     window = windows_.CreateDialogWindow(WindowKind::Drive, *this);
     windows_.RegisterDlgWnd(window);
@@ -161,9 +165,15 @@ void DriveSession::StopDrive() {
     master_.RebuildTrails();
 }
 
+DriveSession::~DriveSession() {
+    if (inTick_ != nullptr) *inTick_ = false;
+    inTick_ = nullptr;
+    CloseDrive();
+}
+
 void DriveSession::CloseDrive() {
     if (window == 0) return;
-    if (inTick_) {
+    if (inTick_ != nullptr) {
         closeAfterTick_ = true;
         return;
     }
@@ -174,22 +184,33 @@ void DriveSession::CloseDrive() {
     active = 0;
 }
 
-void DriveSession::InputTick() {
-    if (inTick_) return;
-    inTick_ = true;
+void DriveSession::AdvanceTimeline(const bool& alive) {
     FillInput();
     const TimeValue end = core_.GetAnimRange().end;
-    if (tick <= end - core_.GetTicksPerFrame()) {
-        core_.SetTime(tick, true);
+    const bool atEnd = tick > end - core_.GetTicksPerFrame();
+    const std::uint32_t wasRunning = running;
+    core_.SetTime(atEnd ? end : tick, true);
+    if (!alive) return;
+    if (atEnd) {
+        StopDrive();
+    } else if (running == wasRunning) {  // not if a button that was served inside has just wiped what would be driven
         DriveOneFrame();
         RedrawHud();
-    } else {
-        core_.SetTime(end, true);
-        StopDrive();
     }
+}
+
+void DriveSession::InputTick() {
+    if (inTick_ != nullptr) return;
+    bool alive = true;  // a host that serves messages inside may delete the master, and this session with it
+    inTick_ = &alive;
+    AdvanceTimeline(alive);
+    if (!alive) return;
     core_.NotifyMasters();
-    core_.RedrawViews(core_.GetTime());
-    inTick_ = false;
+    if (!alive) return;
+    DriveHost& core = core_;
+    core.RedrawViews(core.GetTime());
+    if (!alive) return;
+    inTick_ = nullptr;
     if (!closeAfterTick_) return;
     closeAfterTick_ = false;
     CloseDrive();

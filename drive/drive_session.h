@@ -24,6 +24,10 @@ class DriveSession final : public WindowMessages {
  public:
     /// The four stay the caller's and outlive the session.
     DriveSession(SessionMaster& master, DriveHost& core, WindowLayer& windows, Devices& devices);
+    /// Stops a run and closes the window.
+    ~DriveSession() override;
+    DriveSession(const DriveSession&) = delete;
+    DriveSession& operator=(const DriveSession&) = delete;
 
     DriveInput input;                // copied whole for each tick
     CarRig* rig = nullptr;           // the master's, refreshed by ReadSettings
@@ -58,6 +62,7 @@ class DriveSession final : public WindowMessages {
 
  private:
     void FillInput();
+    void AdvanceTimeline(const bool& alive);
     void DriveOneFrame();
     void DrawHudOn(Canvas& canvas);
     void KeyDown(std::int32_t key);
@@ -68,7 +73,7 @@ class DriveSession final : public WindowMessages {
     DriveHost& core_;
     WindowLayer& windows_;
     Devices& devices_;
-    bool inTick_ = false;
+    bool* inTick_ = nullptr;  // set within a tick, which looks there whether the session is still alive
     bool closeAfterTick_ = false;
 };
 

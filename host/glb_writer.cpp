@@ -35,13 +35,27 @@ int GlbWriter::Add(const char* list, nlohmann::ordered_json object) {
     return int(entries.size()) - 1;
 }
 
-int GlbWriter::AddAccessor(const void* data, std::size_t size, int target, nlohmann::ordered_json accessor) {
+GlbWriter::GlbWriter(nlohmann::ordered_json existing, std::string binary)
+    : json(std::move(existing)), binary_(std::move(binary)) {
+    Pad(binary_, '\0');
+}
+
+int GlbWriter::AddView(const void* data, std::size_t size, int target) {
     nlohmann::ordered_json view = {{"buffer", 0}, {"byteOffset", binary_.size()}, {"byteLength", size}};
     if (target != kNoTarget) view["target"] = target;
     binary_.append(static_cast<const char*>(data), size);
     Pad(binary_, '\0');
-    accessor["bufferView"] = Add("bufferViews", std::move(view));
+    return Add("bufferViews", std::move(view));
+}
+
+int GlbWriter::AddAccessor(const void* data, std::size_t size, int target, nlohmann::ordered_json accessor) {
+    accessor["bufferView"] = AddView(data, size, target);
     return Add("accessors", std::move(accessor));
+}
+
+int GlbWriter::AddBytes(std::string_view bytes) {
+    assert(!bytes.empty());
+    return AddView(bytes.data(), bytes.size(), kNoTarget);
 }
 
 int GlbWriter::AddFloats(std::span<const float> values, int components, Use use, bool bounds) {

@@ -5,11 +5,18 @@
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace tavrik {
 
 class GlbWriter {
  public:
+    GlbWriter() = default;
+    /// Goes on from pieces that stand already.
+    /// @param existing  without "buffers"; its views are in `binary`
+    GlbWriter(nlohmann::ordered_json existing, std::string binary);
+
     /// What an accessor is for: vertices and indices are marked for the graphics card, animation keys aren't.
     enum class Use { Vertices, Keys };
 
@@ -19,6 +26,8 @@ class GlbWriter {
     /// @return index of the accessor
     int AddFloats(std::span<const float> values, int components, Use use, bool bounds);
     int AddIndices(std::span<const std::uint32_t> values);
+    /// Appends bytes that no accessor reads, at least one. @return index of their buffer view
+    int AddBytes(std::string_view bytes);
 
     /// Appends `object` to one of the top lists ("nodes", "meshes", ...). @return its index
     int Add(const char* list, nlohmann::ordered_json object);
@@ -27,10 +36,14 @@ class GlbWriter {
     /// @param problem  on false: a number wasn't finite, or the file would pass the 4 GB that the format can count
     bool Finish(std::string& bytes, std::string& problem);
 
+    /// The binary chunk so far; the writer is done with it.
+    std::string TakeBinary() { return std::move(binary_); }
+
     /// All but "asset", "buffers", "bufferViews" and "accessors" is the caller's.
     nlohmann::ordered_json json = nlohmann::ordered_json::object();
 
  private:
+    int AddView(const void* data, std::size_t size, int target);
     int AddAccessor(const void* data, std::size_t size, int target, nlohmann::ordered_json accessor);
 
     std::string binary_;

@@ -207,4 +207,29 @@ bool ReadIndices(const tinygltf::Model& model, int index, std::size_t most, std:
     return true;
 }
 
+bool ReadNumbers(const tinygltf::Model& model, int index, int type, std::size_t most, std::vector<double>& out,
+                 std::string& problem) {
+    const tinygltf::Accessor* accessor = FindAccessor(model, index, type, most, problem);
+    if (accessor == nullptr) return false;
+    if (accessor->sparse.isSparse || accessor->bufferView < 0) {
+        problem = fmt::format("accessor {} is sparse, which only positions may be; export it without that.", index);
+        return false;
+    }
+    const std::size_t size = ComponentSize(accessor->componentType);
+    const std::size_t width = std::size_t(tinygltf::GetNumComponentsInType(std::uint32_t(type)));
+    Elements elements;
+    if (!FindElements(model, accessor->bufferView, accessor->byteOffset, accessor->count, width * size, elements, problem)) {
+        return false;
+    }
+    out.clear();
+    out.reserve(elements.count * width);
+    for (std::size_t i = 0; i < elements.count; ++i) {
+        const unsigned char* at = &elements.bytes[i * elements.stride];
+        for (std::size_t c = 0; c < width; ++c) {
+            out.push_back(LoadComponent(at + c * size, accessor->componentType, accessor->normalized));
+        }
+    }
+    return true;
+}
+
 }  // namespace tavrik

@@ -24,4 +24,10 @@ bool ReadVectors(const tinygltf::Model& model, int accessor, std::size_t most, s
 bool ReadIndices(const tinygltf::Model& model, int accessor, std::size_t most, std::vector<std::uint32_t>& out,
                  std::string& problem);
 
+/// Reads the numbers of an accessor of a given type, without sparse elements, one after the other.
+///
+/// @param type  a TINYGLTF_TYPE_ constant: SCALAR, VEC3 or VEC4. Other arguments as above
+bool ReadNumbers(const tinygltf::Model& model, int accessor, int type, std::size_t most, std::vector<double>& out,
+                 std::string& problem);
+
 }  // namespace tavrik

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/gltf_accessor.h"
+#include "host/gltf_container.h"
 #include "host/read_file.h"
 
 #define TINYGLTF_IMPLEMENTATION
@@ -15,58 +16,6 @@
 
 namespace tavrik {
 namespace {
-
-/// The parser calls itself for each level of the text, so a hostile file could run it out of stack.
-constexpr int kDeepestText = 200;
-
-bool TextIsTooDeep(std::string_view text) {
-    int depth = 0;
-    bool quoted = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quoted && c == '\\') {
-            ++i;
-        } else if (c == '"') {
-            quoted = !quoted;
-        } else if (!quoted && (c == '{' || c == '[')) {
-            if (++depth > kDeepestText) return true;
-        } else if (!quoted && (c == '}' || c == ']')) {
-            --depth;
-        }
-    }
-    return false;
-}
-
-std::uint32_t LittleEndian32(std::string_view bytes, std::size_t at) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i) value |= std::uint32_t(std::uint8_t(bytes[at + i])) << (8 * i);
-    return value;
-}
-
-/// Checks the frame of a binary file, and finds its text.
-bool FindBinaryText(std::string_view bytes, std::string_view& text, std::string& problem) {
-    constexpr std::size_t kHead = 20;
-    if (bytes.size() < kHead) {
-        problem = "the file ends within its head; copy or export it again.";
-        return false;
-    }
-    if (LittleEndian32(bytes, 4) != 2) {
-        problem = fmt::format("it is glTF {}, but only glTF 2 can be read; export it as glTF 2.0.", LittleEndian32(bytes, 4));
-        return false;
-    }
-    if (LittleEndian32(bytes, 8) > bytes.size()) {
-        problem =
-            fmt::format("the file ends after {} of {} bytes; copy or export it again.", bytes.size(), LittleEndian32(bytes, 8));
-        return false;
-    }
-    const std::size_t length = LittleEndian32(bytes, 12);
-    if (length > bytes.size() - kHead) {
-        problem = "its text ends past the file; copy or export it again.";
-        return false;
-    }
-    text = bytes.substr(kHead, length);
-    return true;
-}
 
 bool ReadSideFile(std::vector<unsigned char>* out, std::string* fault, const std::string& file, void*) {
     std::string bytes, problem;
@@ -97,28 +46,15 @@ std::string FirstLine(const std::string& text) {
 }
 
 bool Parse(const std::filesystem::path& file, std::string_view bytes, tinygltf::Model& model, std::string& problem) {
-    const bool binary = bytes.starts_with("glTF");
-    std::string_view text = bytes;
-    if (binary && !FindBinaryText(bytes, text, problem)) return false;
-    if (!binary && text.find('{') == std::string_view::npos) {
-        problem = "this is not a glTF file.";
-        return false;
-    }
-    if (bytes.size() >= std::size_t(UINT32_MAX)) {
-        problem = "it is larger than the 4 GB that a glTF file may have.";
-        return false;
-    }
-    if (TextIsTooDeep(text)) {
-        problem = "its text is nested too deeply to be a glTF file.";
-        return false;
-    }
+    GltfContainer container;
+    if (!SplitGltf(bytes, container, problem)) return false;
     tinygltf::TinyGLTF parser;
     parser.SetFsCallbacks({&SideFileExists, &KeepPath, &ReadSideFile, nullptr, nullptr});
     parser.SetImageLoader(&PassOverImage, nullptr);
     std::string fault, warning;
     const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
     const unsigned length = unsigned(bytes.size());
-    const bool parsed = binary
+    const bool parsed = container.isBinary
                             ? parser.LoadBinaryFromMemory(&model, &fault, &warning,
                                                           reinterpret_cast<const unsigned char*>(bytes.data()), length, folder)
                             : parser.LoadASCIIFromString(&model, &fault, &warning, bytes.data(), length, folder);

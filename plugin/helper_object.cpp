@@ -26,10 +26,11 @@ Box3 BoxAround(const std::vector<Point3>& points, const Matrix3& tm) {
 // ------------------------------------------------------------------------------------------------------------------- creation
 
 int RigCreateCallBack::proc(ViewExp* vpt, int msg, int point, int, IPoint2 m, Matrix3& mat) {
-    if (object_ == nullptr || vpt == nullptr || !vpt->IsAlive()) return CREATE_ABORT;
+    if (vpt == nullptr || !vpt->IsAlive()) return CREATE_ABORT;
     if (msg == MOUSE_FREEMOVE) vpt->SnapPreview(m, m, nullptr, SNAP_IN_3D);
     if (msg == MOUSE_ABORT) return CREATE_ABORT;
     if (msg != MOUSE_POINT && msg != MOUSE_MOVE) return CREATE_CONTINUE;
+    if (object_ == nullptr) return CREATE_ABORT;  // deleted meanwhile
     if (point == 0) FirstPoint(*vpt, m, mat);
     return point == 1 ? SecondPoint(*vpt, msg, m, mat) : CREATE_CONTINUE;
 }

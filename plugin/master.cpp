@@ -72,7 +72,6 @@ bool Tavrik::SetupCar(std::string& problem) {
     }
     const bool refused = result == tavrik::AssemblyResult::TooMany || result == tavrik::AssemblyResult::Flattened;
     if (refused) rig_.motion = std::move(before);
-    if (!rig_.motion.valid) LeaveWorld();
     TellDependents();
     return result == tavrik::AssemblyResult::Locked;
 }
@@ -80,7 +79,6 @@ bool Tavrik::SetupCar(std::string& problem) {
 void Tavrik::ResetCar() {
     StopRuns();
     rig_.ResetMotion();
-    LeaveWorld();
     TellDependents();
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "plugin/desktop.h"
 #include "plugin/master.h"
@@ -25,17 +26,30 @@ IOResult WriteAll(ISave& isave, std::string_view bytes) {
     return IO_OK;
 }
 
-/// Everything that the open chunk has left.
-std::string ReadAll(ILoad& iload) {
-    std::string bytes;
-    for (;;) {
-        const std::size_t before = bytes.size();
-        bytes.resize(before + kPieceBytes);
+/// Reads on until `bytes` has `size` of them, or the chunk has no more. Room grows with what really comes, so that a wrong
+/// count can't fill the memory.
+void ReadUpTo(ILoad& iload, std::size_t size, std::string& bytes) {
+    while (bytes.size() < size) {
+        const std::size_t before = bytes.size(), piece = std::min(size - before, kPieceBytes);
+        bytes.resize(before + piece);
         ULONG read = 0;
-        const IOResult result = iload.Read(bytes.data() + before, ULONG(kPieceBytes), &read);
-        bytes.resize(before + std::min(std::size_t(read), kPieceBytes));
-        if (result != IO_OK || read < kPieceBytes) return bytes;
+        const IOResult result = iload.Read(bytes.data() + before, ULONG(piece), &read);
+        bytes.resize(before + std::min(std::size_t(read), piece));
+        if (result != IO_OK || read < piece) return;
     }
+}
+
+/// The recording in the open chunk: never a byte more than its own head asks for, as a host need not say where a chunk ends.
+std::string ReadRecordingImage(ILoad& iload) {
+    std::string bytes;
+    for (std::size_t wanted = 1; bytes.size() < wanted;) {
+        wanted = tavrik::RecordingBytes(bytes);
+        const std::size_t before = bytes.size();
+        ReadUpTo(iload, wanted, bytes);
+        if (bytes.size() == before) break;
+        wanted = tavrik::RecordingBytes(bytes);
+    }
+    return bytes;
 }
 
 /// Makes a car of the locked nodes once the whole file is there.
@@ -64,24 +78,23 @@ IOResult Tavrik::Save(ISave* isave) {
 }
 
 IOResult Tavrik::Load(ILoad* iload) {
-    IOResult result = ReferenceMaker::Load(iload);
-    if (result != IO_OK) return result;
-    while ((result = iload->OpenChunk()) == IO_OK) {
-        std::string problem;
-        bool loaded = true;
+    if (const IOResult result = ReferenceMaker::Load(iload); result != IO_OK) return result;
+    while (iload->OpenChunk() == IO_OK) {
         if (iload->CurChunkID() == kRecordingChunk) {
-            StopRuns();
-            rig_.ResetMotion();
-            LeaveWorld();
-            loaded = tavrik::LoadRecording(ReadAll(*iload), rig_.motion, problem);
-            rig_.velocitiesStale = true;
+            // A damaged recording leaves the car the motion that it had, and the artist the rest of the scene: whoever loads
+            // may still refuse on hearing it.
+            tavrik::RecordedMotion loaded;
+            std::string problem;
+            if (tavrik::LoadRecording(ReadRecordingImage(*iload), loaded, problem)) {
+                StopRuns();
+                rig_.motion = std::move(loaded);
+                rig_.velocitiesStale = true;
+            } else {
+                Complain(problem);
+            }
         }
         iload->CloseChunk();
-        if (loaded) continue;
-        Complain(problem);
-        return IO_ERROR;
     }
-    if (result != IO_END) return result;
     iload->RegisterPostLoadCallback(new TavrikPostLoadCallback(*this));
     return IO_OK;
 }

@@ -20,9 +20,8 @@ bool IsRecordedWheel(const RecordedMotion& motion, std::int32_t index) {
 bool IsThere(const CarRig& rig, std::int32_t objectType, std::int32_t index) {
     switch (ComponentType(objectType)) {
         case ComponentType::Chassis:
-            return true;  // there is one, whatever its number
-        case ComponentType::Suspension:
-            return IsBelow(index, rig.unitCount) && IsRecordedWheel(rig.motion, index);
+            return true;                 // there is one, whatever its number
+        case ComponentType::Suspension:  // a unit that was never filled in is square to the body
         case ComponentType::Wheel:
             return IsRecordedWheel(rig.motion, index);
         case ComponentType::UnitFrame:

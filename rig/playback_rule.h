@@ -23,7 +23,7 @@ const CarRig* FollowedRig(const ControlValues& values);
 
 /// Where a component is at `tick`, for whatever a control may hold. For a component that is there, this is `CarRig::GetTM`, bit
 /// for bit. A number that no component has, or a kind that no assembly makes, rides with the chassis; the same goes for what
-/// the recording or the rig alone knows, as after a recording was loaded beside a car that could not be put together again.
+/// the recording doesn't know. Beside a car that could not be put together again, wheels and suspensions still follow it.
 /// Without a recording it is the identity.
 Matrix3 AnswerTM(const CarRig& rig, std::int32_t objectType, std::int32_t index, TimeValue tick);
 

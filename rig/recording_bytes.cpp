@@ -16,7 +16,7 @@ static_assert(std::endian::native == std::endian::little);
 static_assert(sizeof(MotionSample) == 18 * sizeof(double) && std::is_trivially_copyable_v<MotionSample>);
 static_assert(sizeof(SteerSample) == 2 * sizeof(double) && std::is_trivially_copyable_v<SteerSample>);
 
-constexpr std::size_t kFlagBytes = 4, kHeadBytes = 16;
+constexpr std::size_t kFlagBytes = 4, kHeadBytes = kRecordingHeadBytes;
 constexpr std::int64_t kFrameBytes = sizeof(TimeValue) + sizeof(SteerSample) + sizeof(MotionSample);
 constexpr std::int64_t kUnitFrameBytes = sizeof(MotionSample) + sizeof(double);
 
@@ -52,19 +52,25 @@ std::string WrongCount(std::int32_t found, const char* what, std::int32_t low, s
                    std::to_string(high));
 }
 
-/// @return whether counts and length fit together, so that every array lies inside the image
-bool CheckHead(const ImageHead& head, std::size_t bytes, std::string& problem) {
+/// @return whether a recording can have such counts
+bool CheckCounts(const ImageHead& head, std::string& problem) {
     if (head.unitCount < 0 || head.unitCount > kMaxComponents) {
         problem = WrongCount(head.unitCount, "wheels", 0, kMaxComponents);
     } else if (head.capacity < 1) {
         problem = Damaged("it has no room for any frame");
     } else if (head.frames < 1 || head.frames > head.capacity) {
         problem = WrongCount(head.frames, "frames", 1, head.capacity);
-    } else if (std::uint64_t(ImageBytes(head)) != bytes) {
-        problem = WrongLength(std::size_t(ImageBytes(head)), bytes);
     } else {
         return true;
     }
+    return false;
+}
+
+/// @return whether counts and length fit together, so that every array lies inside the image
+bool CheckHead(const ImageHead& head, std::size_t bytes, std::string& problem) {
+    if (!CheckCounts(head, problem)) return false;
+    if (std::uint64_t(ImageBytes(head)) == bytes) return true;
+    problem = WrongLength(std::size_t(ImageBytes(head)), bytes);
     return false;
 }
 
@@ -124,6 +130,18 @@ std::string SaveRecording(const RecordedMotion& motion) {
         image.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     });
     return image;
+}
+
+std::size_t RecordingBytes(std::string_view bytes) {
+    std::int32_t valid = 0;
+    if (bytes.size() < kFlagBytes) return kFlagBytes;
+    std::memcpy(&valid, bytes.data(), sizeof valid);
+    if (valid == 0) return kFlagBytes;
+    if (bytes.size() < kHeadBytes) return kHeadBytes;
+    ImageHead head;
+    std::memcpy(&head, bytes.data(), sizeof head);
+    std::string unused;
+    return CheckCounts(head, unused) ? std::size_t(ImageBytes(head)) : kHeadBytes;
 }
 
 bool LoadRecording(std::string_view image, RecordedMotion& motion, std::string& problem) {

@@ -9,6 +9,7 @@
 //
 // Little-endian, nothing between the fields.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,12 @@ namespace tavrik {
 
 /// The image of a recording: all of its room, entries of no frame as they stand there; four bytes where there is no recording.
 std::string SaveRecording(const RecordedMotion& motion);
+
+/// What of an image tells how long the rest is.
+constexpr std::size_t kRecordingHeadBytes = 16;
+/// How long an image is whose first bytes are `head`; one with counts that can't be asks for no more than its head.
+/// @param head  up to kRecordingHeadBytes, as many as there are
+std::size_t RecordingBytes(std::string_view head);
 
 /// Puts a saved recording in place of the present one, its room included: saved again it gives the same bytes. Whoever calls it
 /// for a car sets the car's `velocitiesStale`, as an image has no velocities.

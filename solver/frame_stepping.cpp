@@ -30,6 +30,10 @@ void DriveTick(DriveMaster& master, TimeValue& tickInOut, DriveInput input) {
     if (tick > master.AnimRangeEnd() - ticksPerFrame) return;
 
     CarWorld& world = master.World();
+    // A car that was unlocked since the world was built has nothing to go on from.
+    for (int c = 0; c < world.carCount; ++c) {
+        if (!world.rigs[c]->motion.valid) return;
+    }
     world.random.BeginTick(tick);
     // Half a sample back lies between the last sample before this frame and its first one, so no tick has to match exactly.
     const bool forgot = RewindCars(world, tick - ticksPerFrame / frameStep / 2);

@@ -35,7 +35,8 @@ bool RewindCars(CarWorld& world, TimeValue tick);
 void StoreCars(CarWorld& world, TimeValue tick);
 
 /// Drives one scene frame and moves `tickInOut` on by it. Goes on from what is recorded just before the frame and drops what
-/// was recorded after. Without a ground, or where the frame would pass the end of the animation range, nothing changes.
+/// was recorded after. Without a ground, with a car that has no recording, or where the frame would pass the end of the
+/// animation range, nothing changes.
 ///
 /// A run that goes on where it stopped takes the velocities that its last step left; one that was taken back, and a car whose
 /// velocities are stale, derives them anew, and so gives the bits of a run that never stopped. All draws of the frame come from

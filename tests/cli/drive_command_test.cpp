@@ -183,7 +183,7 @@ TEST_F(DriveCommand, AnswersWrongUsageWithStatusTwo) {
     const std::string ground = "ground.obj";
     ExpectRefusal(RunTavrik(folder.path(), {}), 2, "--help");
     ExpectRefusal(RunTavrik(folder.path(), {"fly"}), 2, "--help");
-    ExpectRefusal(RunTavrik(folder.path(), {"drive"}), 2, "--ground is required");
+    ExpectRefusal(RunTavrik(folder.path(), {"drive"}), 2, "drive takes a scene or a --ground");
     ExpectRefusal(Drive({"--ground", ground, "--nonsense"}), 2, "--nonsense");
     ExpectRefusal(Drive({"--ground", ground, "--up", "x"}), 2, "--up takes one of y, z");
     ExpectRefusal(Drive({"--ground", ground, "--unit", "mile"}), 2, "--unit takes one of");

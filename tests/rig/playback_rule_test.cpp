@@ -143,7 +143,7 @@ TEST(AnswerTM, WithoutARecordingIsTheIdentity) {
     }
 }
 
-TEST(AnswerTM, ARecordingBesideAnEmptyRigShowsItsWheelsAndTheRestAtTheChassis) {
+TEST(AnswerTM, ARecordingBesideAnEmptyRigShowsItsWheelsWithTheirSuspensionsAndTheRestAtTheChassis) {
     TestRandom random(TestSeed(89));
     const auto recorded = RandomRun(random, 10, 0, 32);
     const auto empty = std::make_unique<CarRig>();
@@ -152,7 +152,11 @@ TEST(AnswerTM, ARecordingBesideAnEmptyRigShowsItsWheelsAndTheRestAtTheChassis) {
     const Matrix3 chassis = empty->GetTM(ComponentType::Chassis, 0, 100);
 
     EXPECT_TRUE(SameBits(AnswerTM(*empty, 2, 3, 100), wheel));
-    for (const std::int32_t type : {0, 1, 3, 4, 5}) EXPECT_TRUE(SameBits(AnswerTM(*empty, type, 0, 100), chassis)) << type;
+    const Matrix3 suspension = AnswerTM(*empty, 1, 3, 100);
+    EXPECT_EQ(suspension.row[3].x, wheel.row[3].x);
+    EXPECT_EQ(suspension.row[3].y, wheel.row[3].y);
+    EXPECT_EQ(suspension.row[3].z, wheel.row[3].z);
+    for (const std::int32_t type : {0, 3, 4, 5}) EXPECT_TRUE(SameBits(AnswerTM(*empty, type, 0, 100), chassis)) << type;
 }
 
 TEST(AnswerTM, ARigWithMoreUnitsThanItsRecordingDoesntReadBeyondIt) {

@@ -1,8 +1,7 @@
 #include "plugin/desktop.h"
 
-#include <host/sdk/desktop.h>
-
 #include "drive/null_canvas.h"
+#include "host/sdk/desktop.h"
 
 namespace tavrik_plugin {
 namespace {

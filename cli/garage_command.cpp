@@ -1,0 +1,94 @@
+#include <fmt/format.h>
+
+#include <string>
+#include <vector>
+
+#include "cli/command_line.h"
+#include "cli/opened_scene.h"
+#include "cli/progress.h"
+#include "host/atomic_file.h"
+#include "host/garage.h"
+#include "host/plugin_file.h"
+#include "host/scene_rig.h"
+#include "host/sdk/standin.h"
+
+namespace tavrik_cli {
+namespace {
+
+void PrintList() {
+    for (const tavrik_host::GarageScene& scene : tavrik_host::GarageScenes()) fmt::print("{:<14} {}\n", scene.name, scene.what);
+}
+
+/// The ground as a node of the scene, and as it is driven on.
+INode* AddGround(const tavrik::GarageOrder& order, const tavrik_host::GarageScene& scene, tavrik_host::SceneDocument& document,
+                 tavrik::SurfaceTree& surface, std::string& problem) {
+    tavrik::TriangleMesh ground;
+    if (order.ground.empty()) {
+        ground = MakeSampleGround(scene.ground);
+    } else if (!ReadGround(order.ground, order.import, ground, problem)) {
+        return nullptr;
+    }
+    const tavrik::ShapePart part = GroundShape(ground);
+    INode* node = AddMeshNode(document, {&part, 1}, "ground");
+    if (node == nullptr) {
+        problem = fmt::format("{}: it has a coordinate that is not finite.", order.ground.string());
+        return nullptr;
+    }
+    if (surface.Build(tavrik_host::ReadMesh(*node), {}, problem)) return node;
+    problem = fmt::format("{}: {}.", order.ground.string(), problem);
+    return nullptr;
+}
+
+/// Where the driven vehicle starts.
+bool FindStart(const tavrik::GarageOrder& order, const tavrik::CarPlan& plan, const tavrik::SurfaceTree& surface,
+               tavrik::DMatrix3& frame, std::string& problem) {
+    const tavrik::CarSpot spot = order.start ? *order.start : MiddleOfGround(surface);
+    std::vector<tavrik::DPoint3> wheels;
+    for (const tavrik::PlannedUnit& unit : plan.units) wheels.push_back(RestFrame(unit).row[3]);
+    if (StandOnGround(surface, spot, wheels, plan.standingHeight, frame, problem)) return true;
+    problem = fmt::format("{}: {}.", order.ground.empty() ? "The garage's ground" : order.ground.string(), problem);
+    return false;
+}
+
+bool MakeScene(const tavrik::GarageOrder& order, const tavrik_host::GarageScene& scene, tavrik::Progress& progress,
+               std::string& problem) {
+    progress.Begin("Building ground");
+    if (!tavrik::CanWriteFile(order.out, problem) || !tavrik_host::LoadTavrikPlugin(problem)) return false;
+    tavrik_host::ResetScene();
+    tavrik_host::SceneDocument document;
+    tavrik::SurfaceTree surface;
+    INode* ground = AddGround(order, scene, document, surface, problem);
+    tavrik::DMatrix3 frame;
+    if (ground == nullptr || !FindStart(order, scene.vehicles().front().plan, surface, frame, problem)) return false;
+    FillGarageScene(document, scene, frame, *ground, surface);
+    const auto frames = TimeValue(order.seconds * tavrik::kTicksPerSecond / GetTicksPerFrame() + 0.5);
+    GetCOREInterface()->SetAnimRange(Interval(0, frames * GetTicksPerFrame()));
+    progress.Begin("Writing");
+    return SaveScene(order.out, document, problem);
+}
+
+}  // namespace
+}  // namespace tavrik_cli
+
+int tavrik::RunGarage(const GarageOrder& order) {
+    if (order.name.empty()) {
+        tavrik_cli::PrintList();
+        return kExitOk;
+    }
+    const tavrik_host::GarageScene* scene = tavrik_host::FindGarageScene(order.name);
+    if (scene == nullptr) {
+        return tavrik_cli::Fail(
+            fmt::format("There is no \"{}\" in the garage; \"tavrik garage list\" tells what there is.", order.name));
+    }
+    tavrik_cli::SceneDesktop desktop;
+    Progress progress;
+    std::string problem;
+    const bool done = tavrik_cli::MakeScene(order, *scene, progress, problem);
+    progress.Clear();
+    if (!done) return tavrik_cli::Fail(problem);
+    fmt::print("Written   {}: {}\n", order.out.string(), scene->what);
+    const std::vector<tavrik_host::GarageVehicle> vehicles = scene->vehicles();
+    fmt::print("Drive it  tavrik drive {}{}\n", order.out.string(),
+               vehicles.size() > 1 ? fmt::format(" --master \"{}\"", vehicles.front().dress.name) : "");
+    return kExitOk;
+}

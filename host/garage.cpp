@@ -1,0 +1,219 @@
+#include "host/garage.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+#include "host/car_placement.h"
+#include "host/car_shape.h"
+#include "host/master_panel.h"
+#include "host/rig_objects.h"
+#include "host/sdk/param_block.h"
+#include "host/vehicle_shapes.h"
+#include "rig/garage_plans.h"
+#include "rig/parameter_tables.h"
+#include "rig/stock_car.h"
+#include "rig/ticks.h"
+
+namespace tavrik_host {
+namespace {
+
+using tavrik::CarPlan;
+using tavrik::DMatrix3;
+using tavrik::DPoint3;
+using tavrik::HitchParam;
+using tavrik::ObjectClass;
+using tavrik::PushParam;
+using tavrik::SampleGroundKind;
+using tavrik::StartParam;
+
+// ---------------------------------------------------------------------------------------------------------------- vehicles
+
+/// @param body  its parts, in chassis space
+GarageVehicle Dressed(CarPlan plan, const char* name, const tavrik::DriveSettings& settings, tavrik::Shape body) {
+    GarageVehicle vehicle{std::move(plan), {name, settings, std::move(body.parts), {}}};
+    for (const tavrik::PlannedUnit& unit : vehicle.plan.units) {
+        vehicle.dress.wheels.push_back(WheelShape(MakeUnit(unit.wheel, unit.suspension, unit.frame, 0)).parts);
+    }
+    return vehicle;
+}
+
+/// The brake of a trailer is the car's pedal; nothing else of its settings is read while it is towed.
+GarageVehicle Trailer() { return Dressed(tavrik::TrailerPlan(), "Trailer", {}, tavrik::TrailerShape()); }
+GarageVehicle LeadingTrailer() { return Dressed(tavrik::LeadingTrailerPlan(), "Trailer", {}, tavrik::TrailerShape()); }
+GarageVehicle SecondTrailer() {
+    return Dressed(tavrik::SecondTrailerPlan(), "Second trailer", {}, tavrik::SecondTrailerShape());
+}
+
+GarageVehicle TowCar() {
+    GarageVehicle car{tavrik::TowCarPlan(), StockCarDress()};
+    car.dress.name = "Tow car";
+    return car;
+}
+
+std::vector<GarageVehicle> CarAndTrailer() { return {TowCar(), Trailer()}; }
+std::vector<GarageVehicle> CarAndTwoTrailers() { return {TowCar(), LeadingTrailer(), SecondTrailer()}; }
+std::vector<GarageVehicle> StockCar() { return {{tavrik::StockCarPlan(), StockCarDress()}}; }
+
+std::vector<GarageVehicle> Motorcycle() {
+    tavrik::DriveSettings settings;
+    settings.Bike_Drive = 1;
+    settings.Balance_Force = 4.0f;
+    settings.Rudder_Angle = 45.0f;
+    settings.Rudder_Sensitivity = 30.0f;
+    settings.Throttle_Sensitivity = 3500.0f;
+    settings.Brake_Sensitivity = 900.0f;
+    return {Dressed(tavrik::MotorcyclePlan(), "Motorcycle", settings, tavrik::MotorcycleShape())};
+}
+
+std::vector<GarageVehicle> SixWheeler() {
+    tavrik::DriveSettings settings;
+    settings.Rudder_Angle = 35.0f;
+    settings.Rudder_Sensitivity = 25.0f;
+    settings.Throttle_Sensitivity = 6000.0f;
+    settings.Brake_Sensitivity = 2500.0f;
+    return {Dressed(tavrik::SixWheelerPlan(), "Six-wheeler", settings, tavrik::SixWheelerShape())};
+}
+
+// ------------------------------------------------------------------------------------------------------------------- pushes
+
+constexpr std::int32_t kSecond = tavrik::kTicksPerSecond;
+
+/// A push that rides on the car, so that it always hits the same spot of it, wherever the car was driven.
+/// @param inChassis  row 1 is where to, row 3 the spot
+INode& AddPush(const RigNodes& car, const DMatrix3& inChassis, float force) {
+    const DMatrix3 chassis = RigFrame(car.chassis->GetNodeTM(0));
+    INode& push = AddRigNode(ObjectClass::Push, SceneFrame(Compose(inChassis, chassis)), nullptr, car.chassis);
+    SetParam(push, PushParam::Dummy_Size, 15.0f);
+    SetParam(push, PushParam::Push_Force, force);
+    SetParam(push, PushParam::Tavrik, car.master);
+    return push;
+}
+
+/// A fifth of a second on the left flank before the back axle: 2e6 of force over 0.2 s turn the car's tail out by some 3 m/s.
+void HitTheFlank(const RigNodes& car) {
+    INode& push = AddPush(car, {{{0, -1, 0}, {1, 0, 0}, {0, 0, 1}, {-88, -110, 0}}}, 3.0f);
+    SetParam(push, PushParam::Push_Type, 0);
+    SetParam(push, PushParam::Start_Time, 2 * kSecond);
+    SetParam(push, PushParam::Push_Length, 0.2f);
+}
+
+/// A rocket at the tail that swells, holds, lets go and then holds back: percents of 6e5, a bit less than half the weight.
+void FireRocket(const RigNodes& car) {
+    INode& push = AddPush(car, {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, -225, 0}}}, 0.6f);
+    SetParam(push, PushParam::Push_Type, 1);
+    auto* block = static_cast<ParamBlock*>(push.GetObjectRef()->GetParamBlockByID(BlockID(tavrik::kBlockId)));
+    [[maybe_unused]] const bool set = block->SetKeys(ParamID(PushParam::Push_Anim_Mult), {{1 * kSecond, 0.0f},
+                                                                                          {2 * kSecond, 100.0f},
+                                                                                          {4 * kSecond, 100.0f},
+                                                                                          {5 * kSecond, 0.0f},
+                                                                                          {6 * kSecond, -50.0f},
+                                                                                          {8 * kSecond, 0.0f}});
+    assert(set);
+}
+
+// ---------------------------------------------------------------------------------------------------------------- placing
+
+/// Of the wheels, in chassis space.
+DPoint3 MiddleOfWheels(const CarPlan& plan) {
+    DPoint3 sum{};
+    for (const tavrik::PlannedUnit& unit : plan.units) sum += RestFrame(unit).row[3];
+    return sum * (1.0 / double(plan.units.size()));
+}
+
+/// The tongue on the hitch, and the drawbar tilted until the axle is as high above the ground as it is on a level one.
+DMatrix3 StandBehind(const CarPlan& front, const DMatrix3& frontFrame, const CarPlan& behind,
+                     const tavrik::SurfaceTree& surface) {
+    DMatrix3 frame = FrameBehind(front, frontFrame, behind);
+    const DPoint3 hitch = TransformPoint(CouplingPlace(front, /*isHitch=*/true), frontFrame);
+    const DPoint3 tongue = CouplingPlace(behind, /*isHitch=*/false), axle = MiddleOfWheels(behind);
+    const DPoint3 place = TransformPoint(axle, frame);
+    double ground = 0.0;
+    if (!GroundBelow(surface, place.x, place.y, ground)) return frame;
+    const double rise = ground + behind.standingHeight + axle.z - place.z;
+    frame.row[1] = Normalize(frame.row[1] - frame.row[2] * (rise / (tongue.y - axle.y)));
+    frame.row[2] = Normalize(Cross(frame.row[0], frame.row[1]));
+    frame.row[3] = {0.0, 0.0, 0.0};
+    frame.row[3] = hitch - TransformPoint(tongue, frame);
+    return frame;
+}
+
+/// Far enough from the road, and from each other, that no vehicle at its start lies in a box of the yard.
+DMatrix3 PlaceInYard(const DMatrix3& road, std::size_t which) {
+    constexpr double kToTheLeft = 1000.0, kApart = 800.0;
+    DMatrix3 frame = road;
+    frame.row[3] += road.row[0] * -kToTheLeft - road.row[1] * (kApart * double(which));
+    return frame;
+}
+
+INode* CouplingNode(const RigNodes& nodes, ObjectClass end) {
+    const auto found =
+        std::find_if(nodes.couplings.begin(), nodes.couplings.end(), [end](INode* node) { return ClassOf(*node) == end; });
+    return found == nodes.couplings.end() ? nullptr : *found;
+}
+
+void SetUpTrain(const std::vector<RigNodes>& train) {
+    for (std::size_t i = 1; i < train.size(); ++i) {
+        SetParam(*CouplingNode(train[i - 1], ObjectClass::Hitch), HitchParam::Connection_Node,
+                 CouplingNode(train[i], ObjectClass::Tongue));
+    }
+    for (const RigNodes& nodes : train) MasterPanel(*nodes.master).LockComponents();
+}
+
+}  // namespace
+
+const std::vector<GarageScene>& GarageScenes() {
+    static const std::vector<GarageScene> scenes = {
+        {"trailer", "the stock car with a box trailer", {SampleGroundKind::Hills, 600.0, 20'000, 1}, CarAndTrailer, nullptr},
+        {"two-trailers",
+         "the stock car with a chain of two trailers",
+         {SampleGroundKind::Hills, 600.0, 20'000, 1},
+         CarAndTwoTrailers,
+         nullptr},
+        {"motorcycle",
+         "a motorcycle with its rider, who steers into the lean",
+         {SampleGroundKind::Plane, 600.0, 800, 1},
+         Motorcycle,
+         nullptr},
+        {"six-wheeler", "a lorry on three axles", {SampleGroundKind::Hills, 600.0, 20'000, 1}, SixWheeler, nullptr},
+        {"timed-push",
+         "the stock car, hit on its left flank at second 2",
+         {SampleGroundKind::Plane, 600.0, 800, 1},
+         StockCar,
+         HitTheFlank},
+        {"animated-push",
+         "the stock car with a rocket at its tail, whose thrust has keys",
+         {SampleGroundKind::Plane, 600.0, 800, 1},
+         StockCar,
+         FireRocket},
+    };
+    return scenes;
+}
+
+const GarageScene* FindGarageScene(std::string_view name) {
+    const std::vector<GarageScene>& scenes = GarageScenes();
+    const auto found =
+        std::find_if(scenes.begin(), scenes.end(), [name](const GarageScene& scene) { return scene.name == name; });
+    return found == scenes.end() ? nullptr : &*found;
+}
+
+std::vector<RigNodes> FillGarageScene(SceneDocument& document, const GarageScene& wanted, const DMatrix3& frame, INode& ground,
+                                      const tavrik::SurfaceTree& surface) {
+    const std::vector<GarageVehicle> vehicles = wanted.vehicles();
+    const bool isTrain = vehicles.size() > 1;
+    std::vector<RigNodes> train;
+    DMatrix3 start = frame;
+    for (std::size_t i = 0; i < vehicles.size(); ++i) {
+        const GarageVehicle& vehicle = vehicles[i];
+        if (i > 0) start = StandBehind(vehicles[i - 1].plan, start, vehicle.plan, surface);
+        const DMatrix3 place = isTrain ? PlaceInYard(frame, i) : start;
+        train.push_back(AddPlannedCar(document, vehicle.plan, vehicle.dress, place, &ground));
+        Matrix3 startFrame = SceneFrame(start);
+        train.back().start->SetNodeTM(0, startFrame);
+    }
+    if (wanted.addPushes != nullptr) wanted.addPushes(train.front());
+    if (isTrain) SetUpTrain(train);
+    return train;
+}
+
+}  // namespace tavrik_host

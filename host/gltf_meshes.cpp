@@ -1,0 +1,155 @@
+#include "host/gltf_meshes.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <utility>
+
+#include "host/file_mesh.h"
+#include "host/gltf_accessor.h"
+#include "host/scene_axes.h"
+#include "host/tiny_gltf.h"
+
+namespace tavrik_host {
+namespace {
+
+constexpr std::size_t kMostNumbers = 3 * tavrik::kMostGroundTriangles;
+/// Elements of an accessor without data, all of them zero. A few bytes of text could ask for any number of them.
+constexpr std::size_t kMostZeros = 1'000'000;
+constexpr int kTriangles = 4, kStrip = 5;  // 6, the last mode, is a fan
+
+std::size_t SizeAt(const Json& object, const char* key) {
+    const Json* value = Find(object, key);
+    return value == nullptr ? 0 : value->get<std::size_t>();
+}
+
+int TypeOf(const std::string& type) {
+    return type == "SCALAR" ? TINYGLTF_TYPE_SCALAR
+           : type == "VEC3" ? TINYGLTF_TYPE_VEC3
+           : type == "VEC4" ? TINYGLTF_TYPE_VEC4
+                            : 0;
+}
+
+tinygltf::Accessor ToAccessor(const Json& json) {
+    tinygltf::Accessor accessor;
+    accessor.bufferView = Find(json, "bufferView") == nullptr ? -1 : int(SizeAt(json, "bufferView"));
+    accessor.byteOffset = SizeAt(json, "byteOffset");
+    accessor.count = SizeAt(json, "count");
+    accessor.componentType = int(SizeAt(json, "componentType"));
+    accessor.type = TypeOf(json["type"].get<std::string>());
+    const Json* normalized = Find(json, "normalized");
+    accessor.normalized = normalized != nullptr && *normalized == true;
+    if (const Json* sparse = Find(json, "sparse")) {
+        accessor.sparse.isSparse = true;
+        accessor.sparse.count = int(SizeAt(*sparse, "count"));
+        const Json &indices = (*sparse)["indices"], &values = (*sparse)["values"];
+        accessor.sparse.indices.bufferView = int(SizeAt(indices, "bufferView"));
+        accessor.sparse.indices.byteOffset = int(SizeAt(indices, "byteOffset"));
+        accessor.sparse.indices.componentType = int(SizeAt(indices, "componentType"));
+        accessor.sparse.values.bufferView = int(SizeAt(values, "bufferView"));
+        accessor.sparse.values.byteOffset = int(SizeAt(values, "byteOffset"));
+    }
+    return accessor;
+}
+
+}  // namespace
+
+/// The part of a file that the readers of accessors ask for.
+struct GltfNumbers::Model {
+    tinygltf::Model gltf;
+};
+
+GltfNumbers::GltfNumbers(const GltfFile& gltf) : gltf_(gltf), model_(std::make_unique<Model>()) {
+    tinygltf::Model& model = model_->gltf;
+    model.buffers.resize(1);
+    model.buffers[0].data.assign(gltf.binary.begin(), gltf.binary.end());
+    for (const Json& json : OptionalList(gltf.json, "bufferViews", "the file")) {
+        tinygltf::BufferView view;
+        view.buffer = 0;
+        view.byteOffset = SizeAt(json, "byteOffset");
+        view.byteLength = SizeAt(json, "byteLength");
+        view.byteStride = SizeAt(json, "byteStride");
+        model.bufferViews.push_back(std::move(view));
+    }
+    for (const Json& json : OptionalList(gltf.json, "accessors", "the file")) model.accessors.push_back(ToAccessor(json));
+}
+
+GltfNumbers::~GltfNumbers() = default;
+
+std::vector<double> GltfNumbers::Read(std::size_t accessor, int components) {
+    std::vector<double> numbers;
+    std::string problem;
+    const int type = components == 1 ? TINYGLTF_TYPE_SCALAR : components == 3 ? TINYGLTF_TYPE_VEC3 : TINYGLTF_TYPE_VEC4;
+    if (!tavrik::ReadNumbers(model_->gltf, int(accessor), type, kMostNumbers, numbers, problem)) Refuse(problem);
+    for (const double number : numbers) {
+        if (!std::isfinite(number)) Refuse(fmt::format("accessor {} holds a number that is not finite.", accessor));
+    }
+    return numbers;
+}
+
+MeshRecord GltfNumbers::ReadMesh(std::size_t mesh, double metresPerUnit) {
+    MeshRecord record;
+    std::map<std::size_t, std::uint32_t> known;  // where the vertices of an accessor begin: many primitives may share them
+    const std::string what = fmt::format("mesh {}", mesh);
+    for (const Json& primitive : ListOf(Need(gltf_.json["meshes"][mesh], "primitives", what), what)) {
+        AddPrimitive(primitive, what, 1.0 / metresPerUnit, known, record);
+    }
+    return record;
+}
+
+void GltfNumbers::AddPrimitive(const Json& primitive, const std::string& what, double unitsPerMetre,
+                               std::map<std::size_t, std::uint32_t>& known, MeshRecord& mesh) {
+    const Json* modeValue = Find(ObjectOf(primitive, "a primitive of " + what), "mode");
+    const std::int64_t mode = modeValue == nullptr ? kTriangles : WholeNumber(*modeValue, 0, 6, "the mode of " + what);
+    const Json* positions = Find(Need(primitive, "attributes", what), "POSITION");
+    if (positions == nullptr || mode < kTriangles) return;
+    const std::size_t accessor = positions->get<std::size_t>();
+    const tinygltf::Accessor& source = model_->gltf.accessors[accessor];
+    std::string problem;
+    const auto first = known.find(accessor);
+    if (first == known.end()) {
+        if (source.bufferView < 0 && source.count > kMostZeros) {
+            Refuse(fmt::format("accessor {} has {} elements without data.", accessor, source.count));
+        }
+        std::vector<tavrik::DPoint3> points;
+        if (!tavrik::ReadVectors(model_->gltf, int(accessor), kMostNumbers, points, problem)) Refuse(problem);
+        known[accessor] = std::uint32_t(mesh.verts.size());
+        drawn_ += points.size();
+        for (const tavrik::DPoint3& point : points) {
+            const tavrik::DPoint3 p = FromFileAxes(point) * unitsPerMetre;
+            mesh.verts.push_back(Point3(float(p.x), float(p.y), float(p.z)));
+            const Point3& v = mesh.verts.back();
+            if (!std::isfinite(v.x) || !std::isfinite(v.y) || !std::isfinite(v.z)) {
+                Refuse(fmt::format("{} has a vertex whose coordinates are not finite.", what));
+            }
+        }
+    }
+    std::vector<std::uint32_t> corners;
+    if (const Json* indices = Find(primitive, "indices")) {
+        if (!tavrik::ReadIndices(model_->gltf, int(indices->get<std::size_t>()), kMostNumbers, corners, problem))
+            Refuse(problem);
+    } else {
+        corners.resize(source.count);
+        for (std::size_t i = 0; i < corners.size(); ++i) corners[i] = std::uint32_t(i);
+    }
+    drawn_ += corners.size();
+    if (drawn_ > kMostNumbers)
+        Refuse(fmt::format("its meshes add up to more than {} triangles.", tavrik::kMostGroundTriangles));
+    for (const std::uint32_t corner : corners) {
+        if (corner >= source.count)
+            Refuse(fmt::format("{} uses vertex {}, but there are {} (counted from 0).", what, corner, source.count));
+    }
+    const std::uint32_t base = known[accessor];
+    const auto add = [&](std::size_t a, std::size_t b, std::size_t c) {
+        mesh.faces.emplace_back().setVerts(base + corners[a], base + corners[b], base + corners[c]);
+    };
+    if (mode == kTriangles) {
+        for (std::size_t i = 0; i + 2 < corners.size(); i += 3) add(i, i + 1, i + 2);
+    } else if (mode == kStrip) {
+        for (std::size_t i = 0; i + 2 < corners.size(); ++i) add(i, i + 1 + i % 2, i + 2 - i % 2);
+    } else {
+        for (std::size_t i = 1; i + 1 < corners.size(); ++i) add(i, i + 1, 0);
+    }
+}
+
+}  // namespace tavrik_host
