@@ -65,7 +65,7 @@ CarModel Saloon(bool named) {
     const char* const names[] = {"wheel_FL", "wheel_FR", "wheel_RL", "wheel_RR"};
     for (int i = 0; i < 4; ++i) {
         const DPoint3 at{i % 2 == 0 ? -0.76 : 0.76, i < 2 ? 1.35 : -1.35, 0.32};
-        model.parts.push_back(WheelPart(named ? names[i] : "part " + std::to_string(i + 1), at, 0.32, 0.1));
+        model.parts.push_back(WheelPart(named ? names[i] : "piece " + std::to_string(i + 1), at, 0.32, 0.1));
     }
     return model;
 }
