@@ -15,6 +15,9 @@ namespace {
 
 using tavrik::DPoint3;
 
+// Far beyond any skeleton; every node asks all above it where it stands, one call within the other.
+constexpr int kMostAbove = 1000;
+
 const Json* ExtensionOf(const Json& node) {
     const Json* extensions = Find(node, "extensions");
     return extensions == nullptr ? nullptr : Find(*extensions, kExtension);
@@ -289,12 +292,17 @@ void ParseNodes(const GltfFile& gltf, GltfNumbers& numbers, SceneRecords& record
     if (!isOurs) ReadTimeline(gltf.json, records);
     ForeignNodes maker(gltf, numbers, records, foreign);
     std::vector<int> recordOf(nodes.size(), kNone);
+    std::vector<int> above(nodes.size(), 0);
     for (const std::size_t i : shown) {
         const std::string what = fmt::format("node {}", i);
         NodeRecord node;
         node.file = int(i);
         const int parent = hierarchy.Parent(i);
-        if (parent != kNone) node.parent = recordOf[std::size_t(parent)];
+        if (parent != kNone) {
+            node.parent = recordOf[std::size_t(parent)];
+            above[i] = above[std::size_t(parent)] + 1;
+            if (above[i] > kMostAbove) Refuse(fmt::format("node {} hangs below more than {} others.", i, kMostAbove));
+        }
         if (const Json* mesh = Find(nodes[i], "mesh")) IndexInto(*mesh, meshes, "meshes", "the mesh of " + what);
         if (foreign[i]) {
             maker.Fill(nodes[i], what, node);

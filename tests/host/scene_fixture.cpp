@@ -124,4 +124,12 @@ std::string SceneRefusal(const std::string& bytes, const std::string& name) {
     return problem.substr(std::min(problem.size(), name.size() + 2));
 }
 
+std::string ChainFile(int length) {
+    SceneJson nodes = SceneJson::array();
+    for (int i = 0; i < length; ++i) {
+        nodes.push_back(i + 1 < length ? SceneJson{{"children", SceneJson::array({i + 1})}} : SceneJson::object());
+    }
+    return SceneJson{{"asset", {{"version", "2.0"}}}, {"nodes", nodes}}.dump();
+}
+
 }  // namespace tavrik_host::test

@@ -36,4 +36,7 @@ std::string Edited(const std::string& glb, const std::function<void(SceneJson&)>
 /// What refuses these bytes says, without the file's name; checks that scene and document stay as they were.
 std::string SceneRefusal(const std::string& bytes, const std::string& name = "a.glb");
 
+/// A file whose nodes hang below one another in one chain.
+std::string ChainFile(int length);
+
 }  // namespace tavrik_host::test

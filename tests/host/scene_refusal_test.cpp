@@ -189,6 +189,14 @@ TEST_F(SceneFileRefuses, NodesThatHangBelowTwoOrBelowThemselves) {
               "a child of node 0 is 8, but the file has 4 nodes.");
 }
 
+TEST_F(SceneFileRefuses, ChainsOfNodesWithoutEnd) {
+    SceneDocument document;
+    std::string problem;
+    EXPECT_FALSE(LoadSceneBytes("chain.gltf", ChainFile(100'000), document, problem));
+    EXPECT_EQ(problem, "chain.gltf: node 1001 hangs below more than 1000 others.");
+    EXPECT_TRUE(LoadSceneBytes("chain.gltf", ChainFile(1001), document, problem)) << problem;
+}
+
 TEST_F(SceneFileRefuses, AccessorsThatReadPastTheirData) {
     EXPECT_EQ(Said([](SceneJson& file, SceneJson&) { file["accessors"][0]["count"] = 4294967295; }),
               "accessor 0 reads 4294967295 elements past its buffer view of 288 bytes; export the file again.");
