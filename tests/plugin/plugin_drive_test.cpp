@@ -4,6 +4,7 @@
 
 #include "drive/window_messages.h"
 #include "host/sdk/desktop.h"
+#include "tests/plugin/change_counter.h"
 #include "tests/plugin/plugin_scene.h"
 
 namespace plugin_test {
@@ -475,31 +476,10 @@ TEST_F(PluginDrive, TwoCarsDrivenInTurnKeepTheirOwnRecordings) {
     EXPECT_EQ(MotionOf(*other.master)->frames, 76);
 }
 
-/// Counts what a target says.
-class Ear final : public ReferenceMaker {
- public:
-    explicit Ear(ReferenceTarget* target) { ReplaceReference(0, target); }
-    ~Ear() override { DeleteAllRefsFromMe(); }
-    int changes = 0;
-    SClass_ID SuperClassID() override { return 0; }
-    int NumRefs() override { return 1; }
-    RefTargetHandle GetReference(int) override { return target_; }
-    RefResult NotifyRefChanged(const Interval&, RefTargetHandle, PartID&, RefMessage message, BOOL) override {
-        if (message == REFMSG_CHANGE) ++changes;
-        return REF_SUCCEED;
-    }
-
- protected:
-    void SetReference(int, RefTargetHandle target) override { target_ = target; }
-
- private:
-    RefTargetHandle target_ = nullptr;
-};
-
 TEST_F(PluginDrive, EveryMastersDependentsHearOfEachTick) {
     INode& other = AddNode(kMasterClass, At(3000, 0, 0));
     Start(car);
-    const Ear own(car.master->GetObjectRef()), others(other.GetObjectRef()), part(car.wheels[0]);
+    const ChangeCounter own(car.master->GetObjectRef()), others(other.GetObjectRef()), part(car.wheels[0]);
     DriveFrames(3);
     EXPECT_EQ(own.changes, 3);
     EXPECT_EQ(others.changes, 3);
@@ -507,7 +487,7 @@ TEST_F(PluginDrive, EveryMastersDependentsHearOfEachTick) {
 }
 
 TEST_F(PluginDrive, LockingAndUnlockingAreToldToDependents) {
-    const Ear ear(car.wheels[0]);
+    const ChangeCounter ear(car.wheels[0]);
     Press(*car.master, kCarSetup, kUnlock);
     EXPECT_GT(ear.changes, 0);
     const int before = ear.changes;

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "tests/plugin/change_counter.h"
 #include "tests/plugin/golden_blocks.h"
 #include "tests/plugin/plugin_scene.h"
 
@@ -296,32 +297,11 @@ TEST_F(PluginPicking, AMasterTakesAnyNodeAsGroundStartAndTarget) {
     }
 }
 
-/// Hears whatever a target says.
-class Ear final : public ReferenceMaker {
- public:
-    explicit Ear(ReferenceTarget* target) { ReplaceReference(0, target); }
-    ~Ear() override { DeleteAllRefsFromMe(); }
-    int changes = 0;
-    SClass_ID SuperClassID() override { return 0; }
-    int NumRefs() override { return 1; }
-    RefTargetHandle GetReference(int) override { return target_; }
-    RefResult NotifyRefChanged(const Interval&, RefTargetHandle, PartID&, RefMessage message, BOOL) override {
-        if (message == REFMSG_CHANGE) ++changes;
-        return REF_SUCCEED;
-    }
-
- protected:
-    void SetReference(int, RefTargetHandle target) override { target_ = target; }
-
- private:
-    RefTargetHandle target_ = nullptr;
-};
-
 TEST_F(PluginPicking, AMasterHearsNothingOfAChangeToItsGround) {
     INode& master = AddNode(kMasterClass, Matrix3(TRUE));
     INode& ground = AddGround();
     ASSERT_TRUE(tavrik_host::PickNode(BlockOf(master), kSurfaceNode, &ground));
-    Ear ear(master.GetObjectRef());
+    ChangeCounter ear(master.GetObjectRef());
     ground.GetObjectRef()->NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
     Move(ground, At(0, 0, 5));
     EXPECT_EQ(ear.changes, 0);
@@ -331,7 +311,7 @@ TEST_F(PluginPicking, AMasterHearsOfAChangeToItsTarget) {
     INode& master = AddNode(kMasterClass, Matrix3(TRUE));
     INode& target = AddNode(kStartClass, Matrix3(TRUE));
     ASSERT_TRUE(tavrik_host::PickNode(BlockOf(master), kDrivingTarget, &target));
-    Ear ear(master.GetObjectRef());
+    ChangeCounter ear(master.GetObjectRef());
     target.GetObjectRef()->NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
     EXPECT_GT(ear.changes, 0);
 }
