@@ -12,6 +12,7 @@ namespace tavrik_host {
 
 inline constexpr const char* kExtension = "NORVANE_tavrik";
 
+// NOLINTNEXTLINE(bugprone-exception-escape): JSON is checked when it is moved, and throws nothing.
 struct GltfFile {
     Json json;           // without "buffers"; all buffer views speak of `binary`
     std::string binary;  // data of all buffers, and of images that stood in files of their own

@@ -19,8 +19,10 @@ using PartID = std::uint64_t;
 using MCHAR = wchar_t;
 using TCHAR = wchar_t;
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the host has them so.
 #define _M(text) L##text
 #define _T(text) L##text
+// NOLINTEND(bugprone-reserved-identifier)
 
 constexpr int TIME_TICKSPERSEC = 4800;
 constexpr TimeValue TIME_NegInfinity = TimeValue(0x80000000u);

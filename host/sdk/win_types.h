@@ -43,6 +43,7 @@ constexpr WORD HIWORD(std::uintptr_t value) { return WORD((value >> 16) & 0xffff
 constexpr WPARAM MAKEWPARAM(WORD low, WORD high) { return WPARAM(low) | WPARAM(high) << 16; }
 
 /// A resource's number in the place of its name.
+// NOLINTNEXTLINE(performance-no-int-to-ptr): a number is what it is.
 inline const wchar_t* MAKEINTRESOURCEW(int id) { return reinterpret_cast<const wchar_t*>(std::uintptr_t(WORD(id))); }
 
 // What plug-ins do with the controls of their pages. A page makes a control when it is first asked for: which controls a
