@@ -19,7 +19,7 @@ bool Bake(const tavrik::BakeOrder& order, tavrik::Progress& progress, std::strin
         order.keys == tavrik::KeyChoice::EverySample ? tavrik_host::BakedKeys::EverySample : tavrik_host::BakedKeys::EveryFrame;
     std::string bytes;
     if (!MakeFilmFile(document, keys, bytes, problem)) {
-        problem = fmt::format("{}: {}", order.out.string(), problem);
+        problem = fmt::format("{}: {}", order.scene.string(), problem);
         return false;
     }
     progress.Begin("Writing");

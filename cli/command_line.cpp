@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cli/drive_words.h"
+#include "cli/rig_words.h"
 #include "cli/scene_words.h"
 #include "rig/component_values.h"
 
@@ -219,9 +220,10 @@ int TellUsage(std::string message, std::string_view command) {
 /// The words of all commands, and what they came to.
 struct Commands {
     CLI::App app{"Drives a car over a mesh and keeps the motion.", "tavrik"};
-    CLI::App *drive, *make, *garage, *info, *bake, *reset, *ground, *controls, *hud, *stand;
-    DriveWords driveWords, hudDriveWords, newWords, garageWords;
-    SceneWords driveScene, newScene, garageScene, infoScene, bakeScene, resetScene;
+    CLI::App *drive, *make, *garage, *rig, *info, *check, *settle, *bake, *reset, *ground, *controls, *hud, *stand;
+    DriveWords driveWords, hudDriveWords, newWords, garageWords, rigDriveWords;
+    RigWords rigWords;
+    SceneWords driveScene, newScene, garageScene, infoScene, checkScene, settleScene, bakeScene, resetScene;
     DriveFileWords driveFiles;
     GroundWords groundWords;
     ControlsOrder controlsOrder;
@@ -234,8 +236,11 @@ struct Commands {
         app.require_subcommand(1);
         make = app.add_subcommand("new", "Make a scene with the stock car on a ground");
         garage = app.add_subcommand("garage", "Make a scene with a vehicle other than the stock car alone");
+        rig = app.add_subcommand("rig", "Make a scene with somebody's car model, ready to drive");
         drive = app.add_subcommand("drive", "Drive the car of a scene, or the stock car over a ground");
         info = app.add_subcommand("info", "Tell what is in a scene, and what its cars leave out");
+        check = app.add_subcommand("check", "Tell what will go wrong with the cars of a scene");
+        settle = app.add_subcommand("settle", "Let a car come to rest on its ground, and start it from there");
         bake = app.add_subcommand("bake", "Write a scene's motion as plain glTF for other programs");
         reset = app.add_subcommand("reset", "Unlock the cars of a scene");
         ground = app.add_subcommand("ground", "Make a ground to drive on");
@@ -244,8 +249,11 @@ struct Commands {
         stand = app.add_subcommand("stand", "Paint a damper on its running-in stand");
         AddNewOptions(*make, newWords, newScene);
         AddGarageOptions(*garage, garageWords, garageScene);
+        AddRigOptions(*rig, rigDriveWords, rigWords);
         AddDriveOptions(*drive, driveWords, driveFiles, driveScene);
         AddInfoOptions(*info, infoScene);
+        AddCheckOptions(*check, checkScene);
+        AddSettleOptions(*settle, settleScene);
         AddBakeOptions(*bake, bakeScene);
         AddResetOptions(*reset, resetScene);
         AddGroundOptions(*ground, groundWords);
@@ -261,7 +269,8 @@ struct Commands {
 
     /// The command at hand, for messages.
     std::string Name() const {
-        for (const CLI::App* command : {make, garage, drive, info, bake, reset, ground, controls, hud, stand}) {
+        for (const CLI::App* command :
+             {make, garage, rig, drive, info, check, settle, bake, reset, ground, controls, hud, stand}) {
             if (command->parsed()) return command->get_name() + " ";
         }
         return "";
@@ -274,7 +283,12 @@ bool FillOrder(const Commands& commands, Order& order, std::string& problem) {
     if (commands.garage->parsed()) {
         return MakeGarageOrder(*commands.garage, commands.garageWords, commands.garageScene, order.garage.emplace(), problem);
     }
+    if (commands.rig->parsed()) {
+        return MakeRigOrder(*commands.rig, commands.rigDriveWords, commands.rigWords, order.rig.emplace(), problem);
+    }
     if (commands.info->parsed()) return MakeInfoOrder(commands.infoScene, order.info.emplace(), problem);
+    if (commands.check->parsed()) return MakeCheckOrder(commands.checkScene, order.check.emplace(), problem);
+    if (commands.settle->parsed()) return MakeSettleOrder(commands.settleScene, order.settle.emplace(), problem);
     if (commands.bake->parsed()) return MakeBakeOrder(commands.bakeScene, order.bake.emplace(), problem);
     if (commands.reset->parsed()) return MakeResetOrder(commands.resetScene, order.reset.emplace(), problem);
     if (commands.drive->parsed() && !commands.driveScene.scene.empty()) {

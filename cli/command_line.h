@@ -7,6 +7,7 @@
 #include <string>
 
 #include "cli/prepared_drive.h"
+#include "cli/rig_order.h"
 #include "drive/damper_model.h"
 #include "host/drive_scene.h"
 #include "samples/sample_ground.h"
@@ -52,6 +53,18 @@ struct GarageOrder {
 /// `tavrik info`
 struct InfoOrder {
     std::filesystem::path scene;
+};
+
+/// `tavrik check`
+struct CheckOrder {
+    std::filesystem::path scene;
+};
+
+/// `tavrik settle`
+struct SettleOrder {
+    std::filesystem::path scene, out;  // no `out`: in place
+    std::string master;                // empty: the only one
+    double seconds = 3.0;
 };
 
 /// `tavrik bake`
@@ -100,7 +113,10 @@ struct Order {
     std::optional<SceneDriveOrder> sceneDrive;
     std::optional<NewOrder> make;
     std::optional<GarageOrder> garage;
+    std::optional<RigOrder> rig;
     std::optional<InfoOrder> info;
+    std::optional<CheckOrder> check;
+    std::optional<SettleOrder> settle;
     std::optional<BakeOrder> bake;
     std::optional<ResetOrder> reset;
     std::optional<GroundOrder> ground;
@@ -121,6 +137,8 @@ int RunSceneDrive(const SceneDriveOrder& order);
 int RunNew(const NewOrder& order);
 int RunGarage(const GarageOrder& order);
 int RunInfo(const InfoOrder& order);
+int RunCheck(const CheckOrder& order);
+int RunSettle(const SettleOrder& order);
 int RunBake(const BakeOrder& order);
 int RunReset(const ResetOrder& order);
 int RunGround(const GroundOrder& order);

@@ -65,7 +65,9 @@ int RunDrive(const DriveOrder& order) {
     times.frames = (drive.car->motion.frames - 1) / drive.params.GetInt(MasterParam::Frame_Step);
     times.driven = double(times.frames) * drive.ticksPerFrame / kTicksPerSecond;
     times.all = SecondsSince(begin);
-    PrintSummary(driven, samples, times, drive.run->Notice(), results);
+    std::vector<std::filesystem::path> written;
+    for (const auto& [file, bytes] : results) written.push_back(file);
+    PrintSummary(driven, samples, times, drive.run->Notice(), written);
     return kExitOk;
 }
 

@@ -54,7 +54,7 @@ bool CheckWritable(const std::vector<std::filesystem::path>& files, std::string&
 }
 
 void PrintSummary(const DrivenCar& drive, const RunSamples& samples, const DriveTimes& times, const std::string& notice,
-                  const Results& results) {
+                  const std::vector<std::filesystem::path>& written) {
     const Point3 size = BoxAround(*drive.ground).Width() * float(drive.kilometresPerUnit * 1000.0);
     fmt::print("Ground    {}: {} triangles, {:.1f} x {:.1f} x {:.1f} m\n", drive.groundName, drive.ground->faces.size(), size.x,
                size.y, size.z);
@@ -67,7 +67,7 @@ void PrintSummary(const DrivenCar& drive, const RunSamples& samples, const Drive
     const double leftAt = LeftGroundAt(drive, samples);
     if (leftAt >= 0.0) fmt::print("Note      the car left the ground and was 10 m below all of it at second {:.1f}\n", leftAt);
     std::string files;
-    for (const auto& [file, bytes] : results) files += (files.empty() ? "" : ", ") + file.string();
+    for (const std::filesystem::path& file : written) files += (files.empty() ? "" : ", ") + file.string();
     if (!files.empty()) fmt::print("Written   {}\n", files);
 }
 

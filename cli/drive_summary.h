@@ -42,6 +42,6 @@ struct DriveTimes {
 };
 
 void PrintSummary(const DrivenCar& drive, const RunSamples& samples, const DriveTimes& times, const std::string& notice,
-                  const Results& results);
+                  const std::vector<std::filesystem::path>& written);
 
 }  // namespace tavrik

@@ -109,9 +109,13 @@ bool PrintCars(std::string& problem) {
     SceneView view;
     std::vector<tavrik::AssemblyReport> reports;
     std::vector<std::string> locks;
+    std::vector<std::string> faults;  // of recordings that no car goes with any more
     const auto rig = std::make_unique<tavrik::CarRig>();
     for (INode* master : masters) {
+        std::string fault;
         if (!tavrik_host::ReadRecording(*master, rig->motion, problem)) return false;
+        if (rig->motion.valid) tavrik_host::ReadRig(*master, *rig, fault);
+        faults.push_back(fault);
         locks.push_back(LockText(rig->motion));
         tavrik::SceneNode& node = view.Of(*master);
         reports.push_back(ReportAssembly(*rig, view.Root(), node, ReadBoxSize(node)));
@@ -126,6 +130,7 @@ bool PrintCars(std::string& problem) {
         PrintUnits(reports[i]);
         PrintPushes(*masters[i]);
         PrintLeftOut(reports[i], reports);
+        if (!faults[i].empty()) fmt::print("  Note     {}\n", faults[i]);
     }
     return true;
 }

@@ -13,7 +13,10 @@ int main(int argc, char** argv) {
         if (order.sceneDrive) return tavrik::RunSceneDrive(*order.sceneDrive);
         if (order.make) return tavrik::RunNew(*order.make);
         if (order.garage) return tavrik::RunGarage(*order.garage);
+        if (order.rig) return tavrik::RunRig(*order.rig);
         if (order.info) return tavrik::RunInfo(*order.info);
+        if (order.check) return tavrik::RunCheck(*order.check);
+        if (order.settle) return tavrik::RunSettle(*order.settle);
         if (order.bake) return tavrik::RunBake(*order.bake);
         if (order.reset) return tavrik::RunReset(*order.reset);
         if (order.ground) return tavrik::RunGround(*order.ground);

@@ -66,22 +66,27 @@ bool ChooseMaster(const std::filesystem::path& file, const std::string& name, IN
     return false;
 }
 
-bool KeepOldFile(const std::filesystem::path& scene, const std::filesystem::path& out, std::string& problem) {
-    std::error_code error;
-    if (!std::filesystem::equivalent(scene, out, error)) return true;
-    std::string bytes;
-    std::filesystem::path kept = scene;
-    kept += ".bak";
-    return tavrik::ReadWholeFile(scene, bytes, problem) && tavrik::WriteFileAtomically(kept, bytes, problem);
+bool SaveScene(const std::filesystem::path& file, const tavrik_host::SceneDocument& document, std::string& problem) {
+    return SaveScene({}, file, document, {}, problem);
 }
 
-bool SaveScene(const std::filesystem::path& file, const tavrik_host::SceneDocument& document, std::string& problem) {
+bool SaveScene(const std::filesystem::path& scene, const std::filesystem::path& out, const tavrik_host::SceneDocument& document,
+               tavrik::Results others, std::string& problem) {
     std::string bytes;
     if (!MakeSceneFile(document, bytes, problem)) {
-        problem = fmt::format("{}: {}", file.string(), problem);
+        problem = fmt::format("{}: {}", out.string(), problem);
         return false;
     }
-    return tavrik_host::WriteSceneFile(file, bytes, problem);
+    if (!tavrik_host::ToFileForm(out, bytes, problem)) return false;
+    std::error_code error;
+    if (std::filesystem::equivalent(scene, out, error)) {
+        std::filesystem::path kept = scene;
+        kept += ".bak";
+        others.emplace_back(kept, std::string());
+        if (!tavrik::ReadWholeFile(scene, others.back().second, problem)) return false;
+    }
+    others.emplace_back(out, std::move(bytes));
+    return tavrik::WriteResults(others, problem);
 }
 
 int Fail(const std::string& problem) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 
+#include "cli/drive_summary.h"
 #include "drive/null_canvas.h"
 #include "drive/virtual_desktop.h"
 #include "host/controls_file.h"
@@ -37,11 +38,13 @@ bool OpenScene(const std::filesystem::path& file, tavrik_host::SceneDocument& do
 /// @param problem  on false: one sentence that names the file and the masters there are
 bool ChooseMaster(const std::filesystem::path& file, const std::string& name, INode*& master, std::string& problem);
 
-/// Before `out` replaces the scene that was read: what the scene was stays beside it, with ".bak" behind its name.
-bool KeepOldFile(const std::filesystem::path& scene, const std::filesystem::path& out, std::string& problem);
-
 /// Makes the scene's file and puts it in place. @param problem  on false: one sentence that names file and fault
 bool SaveScene(const std::filesystem::path& file, const tavrik_host::SceneDocument& document, std::string& problem);
+
+/// Writes a scene that was read from `scene`, and other files along with it: all of them or none. Where `out` is that scene,
+/// what it was stays beside it, with ".bak" behind its name.
+bool SaveScene(const std::filesystem::path& scene, const std::filesystem::path& out, const tavrik_host::SceneDocument& document,
+               tavrik::Results others, std::string& problem);
 
 /// Tells the user what went wrong. @return the exit status
 int Fail(const std::string& problem);

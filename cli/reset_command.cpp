@@ -45,7 +45,7 @@ bool Reset(const tavrik::ResetOrder& order, std::string& told, std::string& prob
         tavrik_host::MasterPanel(*master).UnlockComponents();
         told += fmt::format("Unlocked  {}, whose recording of {} samples is gone from the scene\n", name, motion->frames - 1);
     }
-    return KeepOldFile(order.scene, out, problem) && SaveScene(out, document, problem);
+    return SaveScene(order.scene, out, document, {}, problem);
 }
 
 }  // namespace

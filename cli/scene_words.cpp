@@ -44,6 +44,18 @@ void AddInfoOptions(CLI::App& app, SceneWords& words) {
     app.add_option("SCENE", words.scene, "Scene to look at, .glb or .gltf")->type_name("")->required();
 }
 
+void AddCheckOptions(CLI::App& app, SceneWords& words) {
+    app.add_option("SCENE", words.scene, "Scene to look at, .glb or .gltf")->type_name("")->required();
+    app.footer("Exit status 0: the cars will drive, perhaps with warnings. 1: they won't.");
+}
+
+void AddSettleOptions(CLI::App& app, SceneWords& words) {
+    app.add_option("SCENE", words.scene, "Scene whose car to settle, .glb or .gltf")->type_name("")->required();
+    app.add_option("--master", words.master, "In a scene with several cars: the one to settle")->type_name("NAME");
+    app.add_option("--seconds", words.seconds, "How long it may take to come to rest, default 3")->type_name("S");
+    app.add_option("--out", words.out, "Scene to write; else in place, the old one kept as .bak")->type_name("FILE");
+}
+
 void AddBakeOptions(CLI::App& app, SceneWords& words) {
     app.add_option("SCENE", words.scene, "Scene whose motion to bake, .glb or .gltf")->type_name("")->required();
     app.add_option("--out", words.out, "Film to write, .glb or .gltf")->type_name("FILE")->required();
@@ -100,6 +112,24 @@ bool MakeGarageOrder(const CLI::App& app, const DriveWords& words, const SceneWo
 bool MakeInfoOrder(const SceneWords& words, InfoOrder& order, std::string& problem) {
     order.scene = words.scene;
     return CheckScene("info", words.scene, problem);
+}
+
+bool MakeCheckOrder(const SceneWords& words, CheckOrder& order, std::string& problem) {
+    order.scene = words.scene;
+    return CheckScene("check", words.scene, problem);
+}
+
+bool MakeSettleOrder(const SceneWords& words, SettleOrder& order, std::string& problem) {
+    order.scene = words.scene;
+    order.out = words.out;
+    order.master = words.master;
+    order.seconds = words.seconds;
+    if (!CheckScene("settle", words.scene, problem) || (!words.out.empty() && !CheckScene("--out", words.out, problem))) {
+        return false;
+    }
+    if (words.seconds >= 1.0 && words.seconds <= 600.0) return true;
+    problem = fmt::format("--seconds takes seconds from 1 to 600, not {}", words.seconds);
+    return false;
 }
 
 bool MakeBakeOrder(const SceneWords& words, BakeOrder& order, std::string& problem) {

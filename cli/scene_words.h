@@ -13,6 +13,7 @@ namespace tavrik {
 struct SceneWords {
     std::string scene, master, out;
     double from = 0.0;
+    double seconds = 3.0;  // of `settle`
     std::string keys = "samples";
     CLI::Option* fromOption = nullptr;
 };
@@ -21,6 +22,8 @@ void AddNewOptions(CLI::App& app, DriveWords& words, SceneWords& files);
 /// `list` and `make`.
 void AddGarageOptions(CLI::App& app, DriveWords& words, SceneWords& files);
 void AddInfoOptions(CLI::App& app, SceneWords& words);
+void AddCheckOptions(CLI::App& app, SceneWords& words);
+void AddSettleOptions(CLI::App& app, SceneWords& words);
 void AddBakeOptions(CLI::App& app, SceneWords& words);
 void AddResetOptions(CLI::App& app, SceneWords& words);
 /// The scene, its car, and the second to go on from.
@@ -31,6 +34,8 @@ bool MakeNewOrder(const DriveWords& words, const SceneWords& files, NewOrder& or
 bool MakeGarageOrder(const CLI::App& app, const DriveWords& words, const SceneWords& files, GarageOrder& order,
                      std::string& problem);
 bool MakeInfoOrder(const SceneWords& words, InfoOrder& order, std::string& problem);
+bool MakeCheckOrder(const SceneWords& words, CheckOrder& order, std::string& problem);
+bool MakeSettleOrder(const SceneWords& words, SettleOrder& order, std::string& problem);
 bool MakeBakeOrder(const SceneWords& words, BakeOrder& order, std::string& problem);
 bool MakeResetOrder(const SceneWords& words, ResetOrder& order, std::string& problem);
 /// @param order  with the files that every drive may write set already

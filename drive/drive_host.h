@@ -39,6 +39,8 @@ class DriveSession;
 class TargetDriver {
  public:
     virtual ~TargetDriver() = default;
+    /// Takes over what the artist set, as the session does: as a window opens and at each start.
+    virtual void ReadSettings() {}
     virtual bool HasTarget() const = 0;
     /// Whether the target's object at time 0 can become a shape.
     virtual bool TargetIsShape() const = 0;

@@ -133,6 +133,7 @@ void DriveSession::ReadSettings() {
     forecast = params.GetInt(Param::Driving_Forecast);
     keys = ReadKeys(params);
     gamepad = ReadGamepad(params, devices_);
+    if (TargetDriver* const target = master_.Target()) target->ReadSettings();
 }
 
 void DriveSession::StartDrive() {

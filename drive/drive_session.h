@@ -9,6 +9,7 @@
 #include "drive/input_modes.h"
 #include "drive/window_layer.h"
 #include "solver/drive_input.h"
+#include "surface/path_field.h"
 
 namespace tavrik {
 
@@ -30,6 +31,7 @@ class DriveSession final : public WindowMessages {
     DriveSession& operator=(const DriveSession&) = delete;
 
     DriveInput input;                // copied whole for each tick
+    PathField path;                  // the road, built by the driver as a run starts whose target is a spline
     CarRig* rig = nullptr;           // the master's, refreshed by ReadSettings
     WindowId window = 0;             // the drive window
     std::uint32_t running = 0;       // flag: the timer runs and the car moves

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "host/car_looks_gltf.h"
 #include "host/gltf_accessor.h"
 #include "host/gltf_container.h"
 #include "host/read_file.h"
@@ -32,10 +33,6 @@ bool SideFileExists(const std::string& file, void*) {
 
 std::string KeepPath(const std::string& file, void*) { return file; }
 
-bool PassOverImage(tinygltf::Image*, const int, std::string*, std::string*, int, int, const unsigned char*, int, void*) {
-    return true;
-}
-
 std::string FirstLine(const std::string& text) {
     std::string line = text.substr(0, text.find('\n'));
     while (!line.empty() && (line.back() == '.' || line.back() == ' ')) line.pop_back();
@@ -47,7 +44,7 @@ bool Parse(const std::filesystem::path& file, std::string_view bytes, tinygltf::
     if (!SplitGltf(bytes, container, problem)) return false;
     tinygltf::TinyGLTF parser;
     parser.SetFsCallbacks({&SideFileExists, &KeepPath, &ReadSideFile, nullptr, nullptr});
-    parser.SetImageLoader(&PassOverImage, nullptr);
+    parser.SetImageLoader(&KeepImageBytes, nullptr);
     std::string fault, warning;
     const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
     const unsigned length = unsigned(bytes.size());
@@ -93,8 +90,13 @@ bool LocalFrame(const tinygltf::Node& node, DMatrix3& frame, std::string& proble
 
 class CarGatherer {
  public:
-    CarGatherer(const tinygltf::Model& gltf, std::size_t mostTriangles, CarModel& car, std::string& problem)
-        : gltf_(gltf), mostTriangles_(mostTriangles), car_(car), problem_(problem), seen_(gltf.nodes.size(), false) {}
+    CarGatherer(const tinygltf::Model& gltf, std::size_t mostTriangles, CarModel& car, CarLooks& looks, std::string& problem)
+        : gltf_(gltf),
+          mostTriangles_(mostTriangles),
+          car_(car),
+          looks_(looks),
+          problem_(problem),
+          seen_(gltf.nodes.size(), false) {}
 
     bool Run() {
         if (gltf_.nodes.size() > kMostNodes) {
@@ -157,6 +159,7 @@ class CarGatherer {
         if (parent >= 0) part.frame = Compose(part.frame, car_.parts[std::size_t(parent)].frame);
         part.mesh = node.mesh;
         part.spins = IsTurned(index);
+        looks_.parts.emplace_back();
         if (node.mesh >= 0 && !AddMesh(node.mesh, part)) return false;
         car_.parts.push_back(std::move(part));
         return true;
@@ -221,6 +224,7 @@ class CarGatherer {
             return false;
         }
         const std::uint32_t first = std::uint32_t(part.vertices.size());
+        const std::size_t firstFace = part.faces.size();
         part.vertices.insert(part.vertices.end(), points.begin(), points.end());
         const auto add = [&](std::size_t a, std::size_t b, std::size_t c) {
             part.faces.push_back({{first + corners[a], first + corners[b], first + corners[c]}});
@@ -232,12 +236,14 @@ class CarGatherer {
         } else {
             for (std::size_t i = 1; i + 1 < corners.size(); ++i) add(i, i + 1, 0);
         }
-        return true;
+        return ReadGltfLooks(gltf_, primitive, points.size(), first, part.faces.size() - firstFace, looks_.parts.back(),
+                             problem_);
     }
 
     const tinygltf::Model& gltf_;
     const std::size_t mostTriangles_;
     CarModel& car_;
+    CarLooks& looks_;
     std::string& problem_;
     std::vector<bool> seen_;
     std::size_t corners_ = 0, points_ = 0;
@@ -246,7 +252,7 @@ class CarGatherer {
 }  // namespace
 
 bool ReadGltfCar(const std::filesystem::path& file, std::string_view bytes, const CarImport& import, CarModel& model,
-                 std::string& problem) {
+                 CarLooks& looks, std::string& problem) {
     tinygltf::Model gltf;
     if (!Parse(file, bytes, gltf, problem)) return false;
     for (const std::string& extension : gltf.extensionsRequired) {
@@ -255,7 +261,8 @@ bool ReadGltfCar(const std::filesystem::path& file, std::string_view bytes, cons
         return false;
     }
     model.usualForward = {0, 0, 1};  // glTF says that the front of a thing looks along +Z
-    return CarGatherer(gltf, import.mostTriangles, model, problem).Run();
+    ReadGltfMaterials(file, gltf, looks);
+    return CarGatherer(gltf, import.mostTriangles, model, looks, problem).Run();
 }
 
 }  // namespace tavrik

@@ -10,6 +10,6 @@ namespace tavrik {
 
 /// Reads the nodes of a glTF 2.0 scene, in the file's axes. @param problem  on false: what is wrong, without the file's name
 bool ReadGltfCar(const std::filesystem::path& file, std::string_view bytes, const CarImport& import, CarModel& model,
-                 std::string& problem);
+                 CarLooks& looks, std::string& problem);
 
 }  // namespace tavrik

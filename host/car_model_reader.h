@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 
+#include "host/car_looks.h"
 #include "host/file_mesh.h"
 #include "wizard/car_model.h"
 
@@ -23,7 +24,12 @@ struct CarImport {
 /// @return false on anything that isn't a readable model; `model` then stays as it was
 bool ReadCarModel(const std::filesystem::path& file, const CarImport& import, CarModel& model, std::string& problem);
 
-/// As above from bytes at hand; `file` names them, tells the format, and its folder is where buffers are looked for.
+/// As above, with what the parts look like: glTF brings its materials with the pictures that colour them, OBJ and the others
+/// plain colours. Looks that can't be had keep no model from being read.
+bool ReadCarModel(const std::filesystem::path& file, const CarImport& import, CarModel& model, CarLooks& looks,
+                  std::string& problem);
+
+/// As the first from bytes at hand; `file` names them, tells the format, and its folder is where buffers are looked for.
 bool ReadCarModelBytes(const std::filesystem::path& file, std::string_view bytes, const CarImport& import, CarModel& model,
                        std::string& problem);
 

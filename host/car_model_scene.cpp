@@ -65,14 +65,20 @@ std::set<std::string> TurnedNodes(const aiScene& scene) {
 
 class SceneCarGatherer {
  public:
-    SceneCarGatherer(const aiScene& scene, std::size_t mostTriangles, CarModel& car, std::string& problem)
-        : scene_(scene), mostTriangles_(mostTriangles), car_(car), problem_(problem), turned_(TurnedNodes(scene)) {}
+    SceneCarGatherer(const aiScene& scene, std::size_t mostTriangles, CarModel& car, CarLooks& looks, std::string& problem)
+        : scene_(scene),
+          mostTriangles_(mostTriangles),
+          car_(car),
+          looks_(looks),
+          problem_(problem),
+          turned_(TurnedNodes(scene)) {}
 
     bool Run(const DMatrix3& afterRoot) {
         struct Visit {
             const aiNode* node;
             int parent;
         };
+        AddMaterials();
         std::vector<Visit> open{{scene_.mRootNode, -1}};
         while (!open.empty()) {
             const Visit visit = open.back();
@@ -83,6 +89,7 @@ class SceneCarGatherer {
             part.spins = turned_.contains(part.name);
             part.frame = Compose(ToFrame(visit.node->mTransformation),
                                  visit.parent < 0 ? afterRoot : car_.parts[std::size_t(visit.parent)].frame);
+            looks_.parts.emplace_back();
             if (visit.node->mNumMeshes == 1) part.mesh = int(visit.node->mMeshes[0]);
             for (unsigned i = 0; i < visit.node->mNumMeshes; ++i) {
                 if (!AddMesh(visit.node->mMeshes[i], part)) return false;
@@ -95,6 +102,24 @@ class SceneCarGatherer {
     }
 
  private:
+    void AddMaterials() {
+        for (unsigned i = 0; i < scene_.mNumMaterials; ++i) {
+            ShapeMaterial made = PlainMaterial();
+            aiString name;
+            aiColor3D color;
+            if (scene_.mMaterials[i]->Get(AI_MATKEY_NAME, name) == AI_SUCCESS) made.name = MaterialName(name.C_Str());
+            if (scene_.mMaterials[i]->Get(AI_MATKEY_COLOR_DIFFUSE, color) == AI_SUCCESS) {
+                const auto part = [](ai_real value) {
+                    return std::isfinite(value) ? std::clamp(float(value), 0.0f, 1.0f) : 0.5f;
+                };
+                made.red = part(color.r);
+                made.green = part(color.g);
+                made.blue = part(color.b);
+            }
+            looks_.materials.push_back({std::move(made)});
+        }
+    }
+
     bool AddMesh(unsigned index, ModelPart& part) {
         if (index >= scene_.mNumMeshes || scene_.mMeshes[index] == nullptr) {
             problem_ = fmt::format("mesh {} is used, but there are {}; export it again.", index, scene_.mNumMeshes);
@@ -112,6 +137,14 @@ class SceneCarGatherer {
             const aiVector3D& v = mesh.mVertices[i];
             part.vertices.push_back({double(v.x), double(v.y), double(v.z)});
         }
+        PartLooks& looks = looks_.parts.back();
+        looks.normals.resize(first);
+        for (unsigned i = 0; i < mesh.mNumVertices && mesh.mNormals != nullptr; ++i) {
+            const aiVector3D& n = mesh.mNormals[i];
+            looks.normals.push_back({double(n.x), double(n.y), double(n.z)});
+        }
+        looks.normals.resize(part.vertices.size());
+        const bool isKnown = mesh.mMaterialIndex < scene_.mNumMaterials;
         for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
             const aiFace& face = mesh.mFaces[i];
             if (face.mNumIndices != 3) continue;  // points and lines
@@ -125,6 +158,7 @@ class SceneCarGatherer {
                 corners.v[c] = first + face.mIndices[c];
             }
             part.faces.push_back(corners);
+            looks.materials.push_back(isKnown ? int(mesh.mMaterialIndex) : -1);
         }
         return true;
     }
@@ -132,6 +166,7 @@ class SceneCarGatherer {
     const aiScene& scene_;
     const std::size_t mostTriangles_;
     CarModel& car_;
+    CarLooks& looks_;
     std::string& problem_;
     const std::set<std::string> turned_;
     std::size_t triangles_ = 0, points_ = 0;
@@ -160,12 +195,11 @@ DMatrix3 ReadHabit(const std::string& extension, const aiScene& scene, CarModel&
     return IdentityDMatrix3();
 }
 
-bool ImportCar(const std::string& extension, std::string_view bytes, const CarImport& import, CarModel& model, UpAxis& up,
-               std::string& problem) {
+bool ImportCar(const std::string& extension, std::string_view bytes, const CarImport& import, CarModel& model, CarLooks& looks,
+               UpAxis& up, std::string& problem) {
     Assimp::Importer importer;
     KeepOneLoader(importer, extension);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_TEXTURES, false);
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_MATERIALS, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_USE_COLLADA_NAMES, true);  // instead of identifiers
     importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, import.up != UpAxis::FromFile);
@@ -177,7 +211,7 @@ bool ImportCar(const std::string& extension, std::string_view bytes, const CarIm
         return false;
     }
     const DMatrix3 undo = ReadHabit(extension, *scene, model, up);
-    return SceneCarGatherer(*scene, import.mostTriangles, model, problem).Run(undo);
+    return SceneCarGatherer(*scene, import.mostTriangles, model, looks, problem).Run(undo);
 }
 
 // A model, or the problem with it, as bytes from one process to another of the same program.
@@ -196,33 +230,47 @@ bool Take(std::string_view& bytes, Value* values, std::size_t count) {
 }
 
 struct ModelHead {
-    std::uint64_t read, parts;
+    std::uint64_t read, parts, materials;
     double metresPerUnit;
     UpAxis up;
 };
 struct PartHead {
-    std::uint64_t name, vertices, faces;
+    std::uint64_t name, vertices, faces, normals, faceMaterials;
     DMatrix3 frame;
     std::int32_t parent, mesh, spins;
 };
+struct MaterialHead {
+    std::uint64_t name;
+    float red, green, blue;
+};
 
-std::string Pack(bool read, const CarModel& model, UpAxis up, const std::string& problem) {
+std::string Pack(bool read, const CarModel& model, const CarLooks& looks, UpAxis up, const std::string& problem) {
     std::string bytes;
-    const ModelHead head{read ? 1u : 0u, model.parts.size(), model.metresPerUnit, up};
+    const ModelHead head{read ? 1u : 0u, model.parts.size(), looks.materials.size(), model.metresPerUnit, up};
     Append(bytes, &head, 1);
     if (!read) return bytes + problem;
-    for (const ModelPart& part : model.parts) {
-        const PartHead partHead{part.name.size(), part.vertices.size(), part.faces.size(), part.frame, part.parent,
-                                part.mesh,        part.spins ? 1 : 0};
+    for (const auto& [material, picture] : looks.materials) {
+        const MaterialHead materialHead{material.name.size(), material.red, material.green, material.blue};
+        Append(bytes, &materialHead, 1);
+        bytes += material.name;
+    }
+    for (std::size_t i = 0; i < model.parts.size(); ++i) {
+        const ModelPart& part = model.parts[i];
+        const PartLooks& its = looks.parts[i];
+        const PartHead partHead{part.name.size(),     part.vertices.size(), part.faces.size(), its.normals.size(),
+                                its.materials.size(), part.frame,           part.parent,       part.mesh,
+                                part.spins ? 1 : 0};
         Append(bytes, &partHead, 1);
         bytes += part.name;
         Append(bytes, part.vertices.data(), part.vertices.size());
         Append(bytes, part.faces.data(), part.faces.size());
+        Append(bytes, its.normals.data(), its.normals.size());
+        Append(bytes, its.materials.data(), its.materials.size());
     }
     return bytes;
 }
 
-bool Unpack(std::string_view bytes, CarModel& model, UpAxis& up, std::string& problem) {
+bool Unpack(std::string_view bytes, CarModel& model, CarLooks& looks, UpAxis& up, std::string& problem) {
     problem = "the process that read it fell silent.";
     ModelHead head;
     if (!Take(bytes, &head, 1)) return false;
@@ -232,6 +280,17 @@ bool Unpack(std::string_view bytes, CarModel& model, UpAxis& up, std::string& pr
     }
     model.metresPerUnit = head.metresPerUnit;
     up = head.up;
+    for (std::uint64_t i = 0; i < head.materials; ++i) {
+        MaterialHead materialHead;
+        if (!Take(bytes, &materialHead, 1) || materialHead.name > bytes.size()) return false;
+        ShapeMaterial material = PlainMaterial();
+        material.name = bytes.substr(0, std::size_t(materialHead.name));
+        bytes.remove_prefix(std::size_t(materialHead.name));
+        material.red = materialHead.red;
+        material.green = materialHead.green;
+        material.blue = materialHead.blue;
+        looks.materials.push_back({std::move(material)});
+    }
     for (std::uint64_t i = 0; i < head.parts; ++i) {
         PartHead partHead;
         if (!Take(bytes, &partHead, 1) || partHead.name > bytes.size()) return false;
@@ -246,6 +305,11 @@ bool Unpack(std::string_view bytes, CarModel& model, UpAxis& up, std::string& pr
         part.faces.resize(std::size_t(partHead.faces));
         if (!Take(bytes, part.vertices.data(), part.vertices.size())) return false;
         if (!Take(bytes, part.faces.data(), part.faces.size())) return false;
+        PartLooks& its = looks.parts.emplace_back();
+        its.normals.resize(std::size_t(partHead.normals));
+        its.materials.resize(std::size_t(partHead.faceMaterials));
+        if (!Take(bytes, its.normals.data(), its.normals.size())) return false;
+        if (!Take(bytes, its.materials.data(), its.materials.size())) return false;
         model.parts.push_back(std::move(part));
     }
     return true;
@@ -254,7 +318,7 @@ bool Unpack(std::string_view bytes, CarModel& model, UpAxis& up, std::string& pr
 }  // namespace
 
 bool ReadSceneCar(const std::filesystem::path& file, std::string_view bytes, const CarImport& import, CarModel& model,
-                  UpAxis& up, std::string& problem) {
+                  CarLooks& looks, UpAxis& up, std::string& problem) {
     const std::string extension = LowerExtension(file);
     if (extension == "ply" && bytes.find("end_header") == std::string_view::npos) {
         problem = "this is not a readable .ply model, its head has no end; copy or export it again.";
@@ -262,21 +326,22 @@ bool ReadSceneCar(const std::filesystem::path& file, std::string_view bytes, con
     }
     const auto work = [&] {
         CarModel imported;
+        CarLooks importedLooks;
         UpAxis importedUp = UpAxis::Z;
         std::string fault;
         bool read = false;
         try {
-            read = ImportCar(extension, bytes, import, imported, importedUp, fault);
+            read = ImportCar(extension, bytes, import, imported, importedLooks, importedUp, fault);
         } catch (const std::exception& error) {
             fault = fmt::format("this is not a readable .{} model ({}).", extension, error.what());
         }
-        return Pack(read, imported, importedUp, fault);
+        return Pack(read, imported, importedLooks, importedUp, fault);
     };
     constexpr double kLeastSeconds = 10.0, kSecondsPerByte = 2e-6;
     std::string answer;
     switch (RunInChild(work, kLeastSeconds + kSecondsPerByte * double(bytes.size()), answer)) {
         case ChildEnd::Answered:
-            return Unpack(answer, model, up, problem);
+            return Unpack(answer, model, looks, up, problem);
         case ChildEnd::Crashed:
             problem =
                 fmt::format("this is not a readable .{} model, its parts contradict each other; export it again.", extension);

@@ -12,6 +12,6 @@ namespace tavrik {
 /// process of its own, since damaged files may crash it.
 /// @param problem  on false: what is wrong, without the file's name
 bool ReadSceneCar(const std::filesystem::path& file, std::string_view bytes, const CarImport& import, CarModel& model,
-                  UpAxis& up, std::string& problem);
+                  CarLooks& looks, UpAxis& up, std::string& problem);
 
 }  // namespace tavrik

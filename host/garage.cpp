@@ -4,9 +4,7 @@
 #include <cassert>
 #include <utility>
 
-#include "host/car_placement.h"
 #include "host/car_shape.h"
-#include "host/master_panel.h"
 #include "host/rig_objects.h"
 #include "host/sdk/param_block.h"
 #include "host/vehicle_shapes.h"
@@ -21,11 +19,9 @@ namespace {
 using tavrik::CarPlan;
 using tavrik::DMatrix3;
 using tavrik::DPoint3;
-using tavrik::HitchParam;
 using tavrik::ObjectClass;
 using tavrik::PushParam;
 using tavrik::SampleGroundKind;
-using tavrik::StartParam;
 
 // ---------------------------------------------------------------------------------------------------------------- vehicles
 
@@ -112,54 +108,6 @@ void FireRocket(const RigNodes& car) {
     assert(set);
 }
 
-// ---------------------------------------------------------------------------------------------------------------- placing
-
-/// Of the wheels, in chassis space.
-DPoint3 MiddleOfWheels(const CarPlan& plan) {
-    DPoint3 sum{};
-    for (const tavrik::PlannedUnit& unit : plan.units) sum += RestFrame(unit).row[3];
-    return sum * (1.0 / double(plan.units.size()));
-}
-
-/// The tongue on the hitch, and the drawbar tilted until the axle is as high above the ground as it is on a level one.
-DMatrix3 StandBehind(const CarPlan& front, const DMatrix3& frontFrame, const CarPlan& behind,
-                     const tavrik::SurfaceTree& surface) {
-    DMatrix3 frame = FrameBehind(front, frontFrame, behind);
-    const DPoint3 hitch = TransformPoint(CouplingPlace(front, /*isHitch=*/true), frontFrame);
-    const DPoint3 tongue = CouplingPlace(behind, /*isHitch=*/false), axle = MiddleOfWheels(behind);
-    const DPoint3 place = TransformPoint(axle, frame);
-    double ground = 0.0;
-    if (!GroundBelow(surface, place.x, place.y, ground)) return frame;
-    const double rise = ground + behind.standingHeight + axle.z - place.z;
-    frame.row[1] = Normalize(frame.row[1] - frame.row[2] * (rise / (tongue.y - axle.y)));
-    frame.row[2] = Normalize(Cross(frame.row[0], frame.row[1]));
-    frame.row[3] = {0.0, 0.0, 0.0};
-    frame.row[3] = hitch - TransformPoint(tongue, frame);
-    return frame;
-}
-
-/// Far enough from the road, and from each other, that no vehicle at its start lies in a box of the yard.
-DMatrix3 PlaceInYard(const DMatrix3& road, std::size_t which) {
-    constexpr double kToTheLeft = 1000.0, kApart = 800.0;
-    DMatrix3 frame = road;
-    frame.row[3] += road.row[0] * -kToTheLeft - road.row[1] * (kApart * double(which));
-    return frame;
-}
-
-INode* CouplingNode(const RigNodes& nodes, ObjectClass end) {
-    const auto found =
-        std::find_if(nodes.couplings.begin(), nodes.couplings.end(), [end](INode* node) { return ClassOf(*node) == end; });
-    return found == nodes.couplings.end() ? nullptr : *found;
-}
-
-void SetUpTrain(const std::vector<RigNodes>& train) {
-    for (std::size_t i = 1; i < train.size(); ++i) {
-        SetParam(*CouplingNode(train[i - 1], ObjectClass::Hitch), HitchParam::Connection_Node,
-                 CouplingNode(train[i], ObjectClass::Tongue));
-    }
-    for (const RigNodes& nodes : train) MasterPanel(*nodes.master).LockComponents();
-}
-
 }  // namespace
 
 const std::vector<GarageScene>& GarageScenes() {
@@ -199,20 +147,8 @@ const GarageScene* FindGarageScene(std::string_view name) {
 
 std::vector<RigNodes> FillGarageScene(SceneDocument& document, const GarageScene& wanted, const DMatrix3& frame, INode& ground,
                                       const tavrik::SurfaceTree& surface) {
-    const std::vector<GarageVehicle> vehicles = wanted.vehicles();
-    const bool isTrain = vehicles.size() > 1;
-    std::vector<RigNodes> train;
-    DMatrix3 start = frame;
-    for (std::size_t i = 0; i < vehicles.size(); ++i) {
-        const GarageVehicle& vehicle = vehicles[i];
-        if (i > 0) start = StandBehind(vehicles[i - 1].plan, start, vehicle.plan, surface);
-        const DMatrix3 place = isTrain ? PlaceInYard(frame, i) : start;
-        train.push_back(AddPlannedCar(document, vehicle.plan, vehicle.dress, place, &ground));
-        Matrix3 startFrame = SceneFrame(start);
-        train.back().start->SetNodeTM(0, startFrame);
-    }
+    const std::vector<RigNodes> train = AddTrain(document, wanted.vehicles(), frame, ground, surface);
     if (wanted.addPushes != nullptr) wanted.addPushes(train.front());
-    if (isTrain) SetUpTrain(train);
     return train;
 }
 

@@ -5,16 +5,13 @@
 #include <string_view>
 #include <vector>
 
-#include "host/rig_scene.h"
+#include "host/train.h"
 #include "samples/sample_ground.h"
 #include "surface/surface_tree.h"
 
 namespace tavrik_host {
 
-struct GarageVehicle {
-    tavrik::CarPlan plan;
-    CarDress dress;
-};
+using GarageVehicle = DressedCar;
 
 /// One scene of the garage.
 struct GarageScene {
@@ -30,9 +27,7 @@ const std::vector<GarageScene>& GarageScenes();
 /// @return null for an unknown name
 const GarageScene* FindGarageScene(std::string_view name);
 
-/// Puts the vehicles of a garage scene into the scene. A train is built up in a yard beside the road, every vehicle with room
-/// around it, since tongue and hitch on one spot would lie in two boxes; start positions then put it together on the road, and
-/// it comes locked. The plug-in must be loaded, the desktop there (asserted).
+/// Puts the vehicles of a garage scene into the scene, as `AddTrain` does, and whatever pushes them.
 ///
 /// @param frame    of the first chassis at its start, world
 /// @param surface  built over `ground`

@@ -58,6 +58,10 @@ int GlbWriter::AddBytes(std::string_view bytes) {
     return AddView(bytes.data(), bytes.size(), kNoTarget);
 }
 
+std::string_view GlbWriter::ViewBytes(const nlohmann::ordered_json& view) const {
+    return std::string_view(binary_).substr(view.value("byteOffset", std::size_t{0}), view["byteLength"].get<std::size_t>());
+}
+
 int GlbWriter::AddFloats(std::span<const float> values, int components, Use use, bool bounds) {
     const std::size_t width = std::size_t(components);
     assert(!values.empty() && values.size() % width == 0);
@@ -65,6 +69,7 @@ int GlbWriter::AddFloats(std::span<const float> values, int components, Use use,
     nlohmann::ordered_json accessor = {{"componentType", kFloat},
                                        {"count", values.size() / width},
                                        {"type", components == 1   ? "SCALAR"
+                                                : components == 2 ? "VEC2"
                                                 : components == 3 ? "VEC3"
                                                                   : "VEC4"}};
     if (bounds) {

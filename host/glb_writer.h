@@ -21,13 +21,15 @@ class GlbWriter {
     enum class Use { Vertices, Keys };
 
     /// Appends numbers to the binary chunk.
-    /// @param components  1 (SCALAR), 3 (VEC3) or 4 (VEC4)
+    /// @param components  1 (SCALAR), 2 (VEC2), 3 (VEC3) or 4 (VEC4)
     /// @param bounds      whether `min` and `max` are written, as positions and key times need
     /// @return index of the accessor
     int AddFloats(std::span<const float> values, int components, Use use, bool bounds);
     int AddIndices(std::span<const std::uint32_t> values);
     /// Appends bytes that no accessor reads, at least one. @return index of their buffer view
     int AddBytes(std::string_view bytes);
+    /// What a buffer view shows. Gone with the next addition.
+    std::string_view ViewBytes(const nlohmann::ordered_json& view) const;
 
     /// Appends `object` to one of the top lists ("nodes", "meshes", ...). @return its index
     int Add(const char* list, nlohmann::ordered_json object);

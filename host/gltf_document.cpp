@@ -8,7 +8,9 @@
 #include <utility>
 
 #include "host/gltf_container.h"
+#include "host/gltf_links.h"
 #include "host/gltf_side_files.h"
+#include "host/scene_seal.h"
 
 namespace tavrik_host {
 namespace {
@@ -418,6 +420,7 @@ GltfFile OpenGltf(const std::filesystem::path& file, std::string_view bytes) {
     tavrik::GltfContainer container;
     std::string problem;
     if (!tavrik::SplitGltf(bytes, container, problem)) Refuse(problem);
+    if (container.isBinary) CheckSeal(bytes);
     GltfFile gltf;
     gltf.json = Json::parse(container.text, nullptr, /*allow_exceptions=*/false);
     if (gltf.json.is_discarded()) Refuse("its text is damaged; copy or export it again.");
@@ -426,6 +429,7 @@ GltfFile OpenGltf(const std::filesystem::path& file, std::string_view bytes) {
     RebaseViews(gltf, buffers);
     EmbedImages(file, gltf);
     CheckAccessors(gltf.json);
+    CheckLinks(gltf.json);
     CheckUses(gltf.json);
     return gltf;
 }

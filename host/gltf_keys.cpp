@@ -22,8 +22,9 @@ struct Values {
     std::vector<double> numbers;   // `width` to a tick
 };
 
-TimeValue TickOf(double seconds, const std::string& what) {
-    const double tick = std::round(seconds * TIME_TICKSPERSEC);
+/// @param secondZero  tick of the file's second 0
+TimeValue TickOf(double seconds, TimeValue secondZero, const std::string& what) {
+    const double tick = std::round(seconds * TIME_TICKSPERSEC) + secondZero;
     if (!(std::abs(tick) <= double(std::numeric_limits<TimeValue>::max()))) {
         Refuse(fmt::format("{} has a key at {} s, which is beyond the timeline.", what, seconds));
     }
@@ -42,23 +43,25 @@ void Append(Values& values, TimeValue tick, const double* numbers, std::size_t w
 
 /// The controller has no splines, so they are walked along: a key at each of the file's keys, and one at each frame between
 /// them. What happens within a frame is lost.
-Values WalkSpline(const std::vector<double>& seconds, const std::vector<double>& numbers, std::size_t width, int ticksPerFrame,
-                  std::size_t& made, const std::string& what) {
+Values WalkSpline(const std::vector<double>& seconds, const std::vector<double>& numbers, std::size_t width,
+                  const FileTime& time, std::size_t& made, const std::string& what) {
+    const int ticksPerFrame = time.ticksPerFrame;
     Values values;
     std::vector<double> at(width);
     for (std::size_t i = 0; i < seconds.size(); ++i) {
         // To each key there are an in-tangent, a value and an out-tangent.
         const double* const here = &numbers[i * 3 * width];
-        const TimeValue tick = TickOf(seconds[i], what);
+        const TimeValue tick = TickOf(seconds[i], time.secondZero, what);
         Append(values, tick, here + width, width);
         if (i + 1 == seconds.size()) break;
         const double* const next = here + 3 * width;
         const double span = seconds[i + 1] - seconds[i];
-        const TimeValue end = TickOf(seconds[i + 1], what);
+        const TimeValue end = TickOf(seconds[i + 1], time.secondZero, what);
         for (std::int64_t frame = std::int64_t(std::floor(double(tick) / ticksPerFrame)) + 1; frame * ticksPerFrame < end;
              ++frame) {
             if (++made > kMostSplineKeys) Refuse(fmt::format("{} has splines over more frames than a scene can hold.", what));
-            const double t = std::clamp((double(frame * ticksPerFrame) / TIME_TICKSPERSEC - seconds[i]) / span, 0.0, 1.0);
+            const double second = double(frame * ticksPerFrame - time.secondZero) / TIME_TICKSPERSEC;
+            const double t = std::clamp((second - seconds[i]) / span, 0.0, 1.0);
             const double t2 = t * t, t3 = t2 * t;
             for (std::size_t c = 0; c < width; ++c) {
                 at[c] = (2 * t3 - 3 * t2 + 1) * here[width + c] + span * (t3 - 2 * t2 + t) * here[2 * width + c] +
@@ -78,8 +81,8 @@ Point3 ToPoint(const tavrik::DPoint3& p) { return {float(p.x), float(p.y), float
 /// Reads the channels of a file that move nodes.
 class KeyReader {
  public:
-    KeyReader(GltfNumbers& numbers, double metresPerUnit, int ticksPerFrame)
-        : numbers_(numbers), unitsPerMetre_(1.0 / metresPerUnit), ticksPerFrame_(ticksPerFrame) {}
+    KeyReader(GltfNumbers& numbers, double metresPerUnit, const FileTime& time)
+        : numbers_(numbers), unitsPerMetre_(1.0 / metresPerUnit), time_(time) {}
 
     void ReadChannel(const Json& animation, const Json& channel, const std::string& what, std::string_view path,
                      PrsRecord& prs) {
@@ -117,10 +120,10 @@ class KeyReader {
         for (std::size_t i = 1; i < seconds.size(); ++i) {
             if (!(seconds[i] > seconds[i - 1])) Refuse(fmt::format("the key times of {} don't ascend.", what));
         }
-        if (spline) return WalkSpline(seconds, numbers, std::size_t(width), ticksPerFrame_, made_, what);
+        if (spline) return WalkSpline(seconds, numbers, std::size_t(width), time_, made_, what);
         Values values;
         for (std::size_t i = 0; i < seconds.size(); ++i) {
-            Append(values, TickOf(seconds[i], what), &numbers[i * std::size_t(width)], std::size_t(width));
+            Append(values, TickOf(seconds[i], time_.secondZero, what), &numbers[i * std::size_t(width)], std::size_t(width));
         }
         return values;
     }
@@ -151,7 +154,7 @@ class KeyReader {
 
     GltfNumbers& numbers_;
     double unitsPerMetre_;
-    int ticksPerFrame_;
+    FileTime time_;
     std::size_t made_ = 0;
 };
 
@@ -164,10 +167,10 @@ bool MovesNode(const Json& channel) {
 }
 
 std::map<std::size_t, PrsRecord> ReadKeys(const GltfFile& gltf, GltfNumbers& numbers, const std::vector<bool>& wanted,
-                                          double metresPerUnit, int ticksPerFrame) {
+                                          double metresPerUnit, const FileTime& time) {
     std::map<std::size_t, PrsRecord> motions;
     std::set<std::pair<std::size_t, std::string>> seen;
-    KeyReader reader(numbers, metresPerUnit, ticksPerFrame);
+    KeyReader reader(numbers, metresPerUnit, time);
     std::size_t number = 0;
     for (const Json& animation : OptionalList(gltf.json, "animations", "the file")) {
         const std::string what = fmt::format("animation {}", number++);

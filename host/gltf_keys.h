@@ -9,6 +9,12 @@
 
 namespace tavrik_host {
 
+/// How a file's seconds become ticks.
+struct FileTime {
+    int ticksPerFrame;
+    TimeValue secondZero;  // tick of second 0
+};
+
 /// Whether an animation's channel moves a node; others, of morph weights above all, stay what they are.
 bool MovesNode(const Json& channel);
 
@@ -16,6 +22,6 @@ bool MovesNode(const Json& channel);
 /// counts. Refuses (`SceneFault`) what is damaged.
 /// @param wanted  whether a node's motion is asked for
 std::map<std::size_t, PrsRecord> ReadKeys(const GltfFile& gltf, GltfNumbers& numbers, const std::vector<bool>& wanted,
-                                          double metresPerUnit, int ticksPerFrame);
+                                          double metresPerUnit, const FileTime& time);
 
 }  // namespace tavrik_host

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 #include "host/file_mesh.h"
@@ -16,7 +18,7 @@ namespace {
 constexpr std::size_t kMostNumbers = 3 * tavrik::kMostGroundTriangles;
 /// Elements of an accessor without data, all of them zero. A few bytes of text could ask for any number of them.
 constexpr std::size_t kMostZeros = 1'000'000;
-constexpr int kTriangles = 4, kStrip = 5;  // 6, the last mode, is a fan
+constexpr int kLines = 1, kLineLoop = 2, kTriangles = 4, kStrip = 5;  // 0: points, 3: line strip, 6, the last mode: fan
 
 std::size_t SizeAt(const Json& object, const char* key) {
     const Json* value = Find(object, key);
@@ -52,6 +54,20 @@ tinygltf::Accessor ToAccessor(const Json& json) {
     return accessor;
 }
 
+std::int64_t ModeOf(const Json& primitive, const std::string& what) {
+    const Json* mode = Find(ObjectOf(primitive, "a primitive of " + what), "mode");
+    return mode == nullptr ? kTriangles : WholeNumber(*mode, 0, 6, "the mode of " + what);
+}
+
+/// Pairs of vertices, joined to strips as far as one pair goes on where the last one ended.
+void AddSingleLines(const std::vector<Point3>& points, const std::vector<std::uint32_t>& corners,
+                    std::vector<ShapeLine>& lines) {
+    for (std::size_t i = 0; i + 1 < corners.size(); i += 2) {
+        if (i == 0 || corners[i] != corners[i - 1]) lines.emplace_back().points.push_back(points[corners[i]]);
+        lines.back().points.push_back(points[corners[i + 1]]);
+    }
+}
+
 }  // namespace
 
 /// The part of a file that the readers of accessors ask for.
@@ -62,7 +78,6 @@ struct GltfNumbers::Model {
 GltfNumbers::GltfNumbers(const GltfFile& gltf) : gltf_(gltf), model_(std::make_unique<Model>()) {
     tinygltf::Model& model = model_->gltf;
     model.buffers.resize(1);
-    model.buffers[0].data.assign(gltf.binary.begin(), gltf.binary.end());
     for (const Json& json : OptionalList(gltf.json, "bufferViews", "the file")) {
         tinygltf::BufferView view;
         view.buffer = 0;
@@ -72,6 +87,20 @@ GltfNumbers::GltfNumbers(const GltfFile& gltf) : gltf_(gltf), model_(std::make_u
         model.bufferViews.push_back(std::move(view));
     }
     for (const Json& json : OptionalList(gltf.json, "accessors", "the file")) model.accessors.push_back(ToAccessor(json));
+    // What accessors read; our own data, which may be most of a file, lies behind that.
+    std::size_t end = 0;
+    const auto reach = [&](int view) {
+        if (view < 0) return;
+        const tinygltf::BufferView& used = model.bufferViews[std::size_t(view)];
+        end = std::max(end, used.byteOffset + used.byteLength);
+    };
+    for (const tinygltf::Accessor& accessor : model.accessors) {
+        reach(accessor.bufferView);
+        if (!accessor.sparse.isSparse) continue;
+        reach(accessor.sparse.indices.bufferView);
+        reach(accessor.sparse.values.bufferView);
+    }
+    model.buffers[0].data.assign(gltf.binary.begin(), gltf.binary.begin() + std::ptrdiff_t(end));
 }
 
 GltfNumbers::~GltfNumbers() = default;
@@ -97,48 +126,59 @@ MeshRecord GltfNumbers::ReadMesh(std::size_t mesh, double metresPerUnit) {
     return record;
 }
 
-void GltfNumbers::AddPrimitive(const Json& primitive, const std::string& what, double unitsPerMetre,
-                               std::map<std::size_t, std::uint32_t>& known, MeshRecord& mesh) {
-    const Json* modeValue = Find(ObjectOf(primitive, "a primitive of " + what), "mode");
-    const std::int64_t mode = modeValue == nullptr ? kTriangles : WholeNumber(*modeValue, 0, 6, "the mode of " + what);
-    const Json* positions = Find(Need(primitive, "attributes", what), "POSITION");
-    if (positions == nullptr || mode < kTriangles) return;
-    const std::size_t accessor = positions->get<std::size_t>();
+std::vector<Point3> GltfNumbers::ReadPoints(std::size_t accessor, const std::string& what, double unitsPerMetre) {
     const tinygltf::Accessor& source = model_->gltf.accessors[accessor];
+    if (source.bufferView < 0 && source.count > kMostZeros) {
+        Refuse(fmt::format("accessor {} has {} elements without data.", accessor, source.count));
+    }
+    std::vector<tavrik::DPoint3> metres;
     std::string problem;
-    const auto first = known.find(accessor);
-    if (first == known.end()) {
-        if (source.bufferView < 0 && source.count > kMostZeros) {
-            Refuse(fmt::format("accessor {} has {} elements without data.", accessor, source.count));
-        }
-        std::vector<tavrik::DPoint3> points;
-        if (!tavrik::ReadVectors(model_->gltf, int(accessor), kMostNumbers, points, problem)) Refuse(problem);
-        known[accessor] = std::uint32_t(mesh.verts.size());
-        drawn_ += points.size();
-        for (const tavrik::DPoint3& point : points) {
-            const tavrik::DPoint3 p = FromFileAxes(point) * unitsPerMetre;
-            mesh.verts.push_back(Point3(float(p.x), float(p.y), float(p.z)));
-            const Point3& v = mesh.verts.back();
-            if (!std::isfinite(v.x) || !std::isfinite(v.y) || !std::isfinite(v.z)) {
-                Refuse(fmt::format("{} has a vertex whose coordinates are not finite.", what));
-            }
+    if (!tavrik::ReadVectors(model_->gltf, int(accessor), kMostNumbers, metres, problem)) Refuse(problem);
+    drawn_ += metres.size();
+    std::vector<Point3> points;
+    points.reserve(metres.size());
+    for (const tavrik::DPoint3& metre : metres) {
+        const tavrik::DPoint3 p = FromFileAxes(metre) * unitsPerMetre;
+        points.push_back(Point3(float(p.x), float(p.y), float(p.z)));
+        const Point3& v = points.back();
+        if (!std::isfinite(v.x) || !std::isfinite(v.y) || !std::isfinite(v.z)) {
+            Refuse(fmt::format("{} has a vertex whose coordinates are not finite.", what));
         }
     }
+    return points;
+}
+
+std::vector<std::uint32_t> GltfNumbers::ReadCorners(const Json& primitive, const std::string& what, std::size_t count) {
     std::vector<std::uint32_t> corners;
+    std::string problem;
     if (const Json* indices = Find(primitive, "indices")) {
         if (!tavrik::ReadIndices(model_->gltf, int(indices->get<std::size_t>()), kMostNumbers, corners, problem))
             Refuse(problem);
     } else {
-        corners.resize(source.count);
+        corners.resize(count);
         for (std::size_t i = 0; i < corners.size(); ++i) corners[i] = std::uint32_t(i);
     }
     drawn_ += corners.size();
     if (drawn_ > kMostNumbers)
         Refuse(fmt::format("its meshes add up to more than {} triangles.", tavrik::kMostGroundTriangles));
     for (const std::uint32_t corner : corners) {
-        if (corner >= source.count)
-            Refuse(fmt::format("{} uses vertex {}, but there are {} (counted from 0).", what, corner, source.count));
+        if (corner >= count) Refuse(fmt::format("{} uses vertex {}, but there are {} (counted from 0).", what, corner, count));
     }
+    return corners;
+}
+
+void GltfNumbers::AddPrimitive(const Json& primitive, const std::string& what, double unitsPerMetre,
+                               std::map<std::size_t, std::uint32_t>& known, MeshRecord& mesh) {
+    const std::int64_t mode = ModeOf(primitive, what);
+    const Json* positions = Find(Need(primitive, "attributes", what), "POSITION");
+    if (positions == nullptr || mode < kTriangles) return;
+    const std::size_t accessor = positions->get<std::size_t>();
+    if (!known.contains(accessor)) {
+        const std::vector<Point3> points = ReadPoints(accessor, what, unitsPerMetre);
+        known[accessor] = std::uint32_t(mesh.verts.size());
+        mesh.verts.insert(mesh.verts.end(), points.begin(), points.end());
+    }
+    const std::vector<std::uint32_t> corners = ReadCorners(primitive, what, model_->gltf.accessors[accessor].count);
     const std::uint32_t base = known[accessor];
     const auto add = [&](std::size_t a, std::size_t b, std::size_t c) {
         mesh.faces.emplace_back().setVerts(base + corners[a], base + corners[b], base + corners[c]);
@@ -150,6 +190,39 @@ void GltfNumbers::AddPrimitive(const Json& primitive, const std::string& what, d
     } else {
         for (std::size_t i = 1; i + 1 < corners.size(); ++i) add(i, i + 1, 0);
     }
+}
+
+bool IsMadeOfLines(const Json& mesh) {
+    bool lines = false, triangles = false;
+    for (const Json& primitive : OptionalList(mesh, "primitives", "a mesh")) {
+        const std::int64_t mode = ModeOf(primitive, "a mesh");
+        lines = lines || (mode >= kLines && mode < kTriangles);
+        triangles = triangles || mode >= kTriangles;
+    }
+    return lines && !triangles;
+}
+
+std::vector<ShapeLine> GltfNumbers::ReadLines(std::size_t mesh, double metresPerUnit) {
+    std::vector<ShapeLine> lines;
+    std::map<std::size_t, std::vector<Point3>> known;  // vertices of an accessor: many primitives may share them
+    const std::string what = fmt::format("mesh {}", mesh);
+    for (const Json& primitive : ListOf(Need(gltf_.json["meshes"][mesh], "primitives", what), what)) {
+        const std::int64_t mode = ModeOf(primitive, what);
+        const Json* positions = Find(Need(primitive, "attributes", what), "POSITION");
+        if (positions == nullptr || mode < kLines || mode >= kTriangles) continue;
+        const std::size_t accessor = positions->get<std::size_t>();
+        if (!known.contains(accessor)) known[accessor] = ReadPoints(accessor, what, 1.0 / metresPerUnit);
+        const std::vector<Point3>& points = known[accessor];
+        const std::vector<std::uint32_t> corners = ReadCorners(primitive, what, points.size());
+        if (mode == kLines) {
+            AddSingleLines(points, corners, lines);
+            continue;
+        }
+        ShapeLine& line = lines.emplace_back();
+        line.closed = mode == kLineLoop;
+        for (const std::uint32_t corner : corners) line.points.push_back(points[corner]);
+    }
+    return lines;
 }
 
 }  // namespace tavrik_host

@@ -56,13 +56,22 @@ void AddUnits(SceneDocument& document, const tavrik::CarPlan& plan, const CarDre
     for (std::size_t i = 0; i < plan.units.size(); ++i) {
         const tavrik::PlannedUnit& unit = plan.units[i];
         const Matrix3 rest = At(RestFrame(unit), frame);
-        INode& wheel = AddRigNode(ObjectClass::Wheel, rest);
+        const std::string label = i < dress.labels.size() ? dress.labels[i] : "";
+        const std::wstring wheelName = FromUtf8("Wheel " + label), suspensionName = FromUtf8("Suspension " + label);
+        INode& wheel = AddRigNode(ObjectClass::Wheel, rest, label.empty() ? nullptr : wheelName.c_str());
         SetValues(wheel, unit.wheel);
-        INode& suspension = AddRigNode(ObjectClass::Suspension, rest);
+        INode& suspension = AddRigNode(ObjectClass::Suspension, rest, label.empty() ? nullptr : suspensionName.c_str());
         SetValues(suspension, unit.suspension);
         if (i < dress.wheels.size()) AddMeshBelow(document, dress.wheels[i], "tyre", wheel);
         nodes.wheels.push_back(&wheel);
         nodes.suspensions.push_back(&suspension);
+    }
+}
+
+void AddPieces(SceneDocument& document, const CarDress& dress, const RigNodes& nodes) {
+    for (const DressPiece& piece : dress.pieces) {
+        INode& parent = piece.wheel < 0 ? *nodes.chassis : *nodes.wheels[std::size_t(piece.wheel)];
+        AddMeshBelow(document, piece.shapes, piece.name, parent);
     }
 }
 
@@ -109,6 +118,7 @@ RigNodes AddPlannedCar(SceneDocument& document, const tavrik::CarPlan& plan, con
     SetValues(*nodes.chassis, plan.chassis);
     AddMeshBelow(document, dress.body, "body", *nodes.chassis);
     AddUnits(document, plan, dress, frame, nodes);
+    AddPieces(document, dress, nodes);
     AddSpheres(plan, frame, nodes);
     AddCouplings(plan, frame, nodes);
 

@@ -12,6 +12,13 @@
 
 namespace tavrik_host {
 
+/// A mesh of a car with a name of its own.
+struct DressPiece {
+    std::string name;
+    int wheel = -1;                         // unit of the plan whose wheel it turns with; -1: it sits on the chassis
+    std::vector<tavrik::ShapePart> shapes;  // in the space of what it hangs under
+};
+
 /// What a car in the scene looks like, and how it drives.
 struct CarDress {
     std::string name = "Car";  // of its master object
@@ -19,6 +26,9 @@ struct CarDress {
     std::vector<tavrik::ShapePart> body;  // in chassis space
     /// Beside the plan's units, each in its wheel's space.
     std::vector<std::vector<tavrik::ShapePart>> wheels;
+    std::vector<DressPiece> pieces = {};  // besides
+    /// Beside the plan's units, such as "front left": what their wheels and suspensions are called by. Empty: by numbers.
+    std::vector<std::string> labels = {};
 };
 
 /// The nodes of one car.

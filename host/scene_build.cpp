@@ -9,6 +9,7 @@
 
 #include "host/scene_parameters.h"
 #include "host/sdk/desktop.h"
+#include "host/sdk/line_shape.h"
 #include "host/sdk/standin.h"
 #include "host/wide_text.h"
 
@@ -23,6 +24,12 @@ ReferenceTarget* MakeMesh(const ThingRecord& record, GltfNumbers& numbers, doubl
     object->mesh.setNumFaces(int(mesh.faces.size()));
     std::copy(mesh.verts.begin(), mesh.verts.end(), object->mesh.verts);
     std::copy(mesh.faces.begin(), mesh.faces.end(), object->mesh.faces);
+    return object;
+}
+
+ReferenceTarget* MakeSpline(const ThingRecord& record, GltfNumbers& numbers, double metresPerUnit) {
+    auto* const object = new LineShape;
+    if (record.mesh != kNone) object->lines = numbers.ReadLines(std::size_t(record.mesh), metresPerUnit);
     return object;
 }
 
@@ -41,6 +48,7 @@ ReferenceTarget* MakePrs(const PrsRecord& record) {
 
 ReferenceTarget* Make(const ThingRecord& record, GltfNumbers& numbers, double metresPerUnit) {
     if (record.prs) return MakePrs(*record.prs);
+    if (record.desc == nullptr && record.superClass == SHAPE_CLASS_ID) return MakeSpline(record, numbers, metresPerUnit);
     if (record.desc == nullptr) return MakeMesh(record, numbers, metresPerUnit);
     auto* const thing = static_cast<ReferenceTarget*>(record.desc->Create(TRUE));
     if (thing == nullptr) Refuse(fmt::format("{} could not be made.", record.name));
@@ -61,8 +69,13 @@ void Wrap(const ThingRecord& record, ReferenceTarget& controller, const std::vec
 void LoadData(const ThingRecord& record, ReferenceTarget& thing, SceneLoad& load) {
     std::string& complaint = tavrik::TheDesktop().complaint;
     complaint.clear();
-    if (load.LoadChunks(thing, record.chunks) && complaint.empty()) return;
+    const bool loaded = load.LoadChunks(thing, record.chunks);
     const std::string sentence = std::exchange(complaint, {});
+    if (loaded && sentence.empty()) {
+        if (!load.PartlyRead()) return;
+        Refuse(fmt::format("chunk {} of {} is longer than what it tells of; take the scene from a backup.", *load.PartlyRead(),
+                           record.name));
+    }
     Refuse(sentence.empty() ? fmt::format("{} refuses its data.", record.name) : sentence);
 }
 

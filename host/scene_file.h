@@ -22,6 +22,7 @@ struct SceneDocument {
     std::string binary;                                               // the one buffer that `json` speaks of
     std::map<ULONG, nlohmann::ordered_json> nodeParts;                // by handle: "mesh", "skin", "camera", "extras", ...
     nlohmann::ordered_json scene = nlohmann::ordered_json::object();  // name, extras and extensions of the one scene
+    TimeValue secondZero = 0;                                         // tick of second 0 of the animations in `json`
 };
 
 /// What a written scene says of its timeline, in its "extras".
@@ -46,10 +47,14 @@ bool MakeSceneFile(const SceneDocument& document, std::string& bytes, std::strin
 /// The same without the extension: for programs that show and play. Helpers without a mesh below them stay as empty nodes.
 bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem);
 
-/// Writes bytes that the two above made: as they are for .glb, as text with its data inside for .gltf. The file appears whole
-/// or not at all.
+/// Gives bytes that the two above made the form that the file's name asks for: .glb stays, .gltf becomes text with its data
+/// inside.
 /// @param problem  on false: one sentence that names file and fault
-bool WriteSceneFile(const std::filesystem::path& file, std::string_view glb, std::string& problem);
+bool ToFileForm(const std::filesystem::path& file, std::string& bytes, std::string& problem);
+
+/// Writes bytes that the two above made, in the form that the name asks for. The file appears whole or not at all.
+/// @param problem  on false: one sentence that names file and fault
+bool WriteSceneFile(const std::filesystem::path& file, std::string bytes, std::string& problem);
 
 /// Adds a node with a mesh under `parent` (null: the root) and the mesh, in parts with their materials, to the document.
 /// Vertices are those that the scene has after saving and loading: the file's metres, in single precision, decide.

@@ -33,7 +33,9 @@ std::int64_t WholeNumber(const Json& value, std::int64_t low, std::int64_t high,
         const std::int64_t number = value.is_number_float() ? std::int64_t(value.get<double>()) : value.get<std::int64_t>();
         if (number >= low && number <= high) return number;
     }
-    Refuse(fmt::format("{} is not a whole number from {} to {}.", what, low, high));
+    const bool open = low == 0 && high == std::numeric_limits<std::int64_t>::max();
+    Refuse(open ? fmt::format("{} is not a whole number from 0 on.", what)
+                : fmt::format("{} is not a whole number from {} to {}.", what, low, high));
 }
 
 std::size_t IndexInto(const Json& value, std::size_t count, const char* list, const std::string& what) {

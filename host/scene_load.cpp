@@ -120,12 +120,12 @@ SceneDocument MakeDocument(GltfFile gltf, const SceneRecords& records) {
         if (!parts.empty()) document.nodeParts[node.handle] = std::move(parts);
     }
     document.json = std::move(json);
+    document.secondZero = records.secondZero;
     document.binary = std::move(gltf.binary);
     return document;
 }
 
-void Load(const std::filesystem::path& file, std::string_view bytes, SceneDocument& document) {
-    GltfFile gltf = OpenGltf(file, bytes);
+void Load(GltfFile gltf, SceneDocument& document) {
     SceneParts parts;
     SceneLoad load;
     SceneRecords records;
@@ -142,13 +142,13 @@ void Load(const std::filesystem::path& file, std::string_view bytes, SceneDocume
     load.RunCallbacks();
 }
 
-}  // namespace
-
-bool LoadSceneBytes(const std::filesystem::path& file, std::string_view bytes, SceneDocument& document, std::string& problem) {
+/// @param open  gives the opened file
+template <typename Open>
+bool LoadFrom(const std::filesystem::path& file, Open open, SceneDocument& document, std::string& problem) {
     std::string fault;
     // The parser throws on some kinds of damage, and on counts that no memory can hold.
     try {
-        Load(file, bytes, document);
+        Load(open(), document);
         return true;
     } catch (const SceneFault& error) {
         fault = error.what();
@@ -161,9 +161,22 @@ bool LoadSceneBytes(const std::filesystem::path& file, std::string_view bytes, S
     return false;
 }
 
+}  // namespace
+
+bool LoadSceneBytes(const std::filesystem::path& file, std::string_view bytes, SceneDocument& document, std::string& problem) {
+    return LoadFrom(
+        file, [&] { return OpenGltf(file, bytes); }, document, problem);
+}
+
 bool LoadScene(const std::filesystem::path& file, SceneDocument& document, std::string& problem) {
     std::string bytes;
-    return tavrik::ReadWholeFile(file, bytes, problem) && LoadSceneBytes(file, bytes, document, problem);
+    if (!tavrik::ReadWholeFile(file, bytes, problem)) return false;
+    const auto open = [&] {
+        GltfFile gltf = OpenGltf(file, bytes);
+        bytes = std::string();  // an hour's recording is large enough to be kept once only
+        return gltf;
+    };
+    return LoadFrom(file, open, document, problem);
 }
 
 }  // namespace tavrik_host

@@ -34,21 +34,48 @@ void AppendToScene(const std::vector<float>& metres, double metresPerUnit, std::
     }
 }
 
-/// Materials that look alike are one.
-int AddMaterial(GlbWriter& glb, const tavrik::ShapeMaterial& material) {
-    // Seven digits show every single-precision colour; the double behind it would print seventeen.
-    const auto number = [](float value) { return std::round(double(value) * 1e6) / 1e6; };
-    Json json = {{"name", material.name},
-                 {"pbrMetallicRoughness",
-                  {{"baseColorFactor", {number(material.red), number(material.green), number(material.blue), 1.0}},
-                   {"metallicFactor", number(material.metallic)},
-                   {"roughnessFactor", number(material.roughness)}}}};
-    if (material.doubleSided) json["doubleSided"] = true;
-    const Json& known = glb.json["materials"];
+int AddOnce(GlbWriter& glb, const char* list, Json json) {
+    const Json& known = glb.json[list];
     for (std::size_t i = 0; i < known.size(); ++i) {
         if (known[i] == json) return int(i);
     }
-    return glb.Add("materials", std::move(json));
+    return glb.Add(list, std::move(json));
+}
+
+/// A picture that is there already isn't written again. @return number of its texture
+int AddPicture(GlbWriter& glb, const tavrik::ShapePicture& picture) {
+    int image = -1;
+    const Json images = glb.json.value("images", Json::array());
+    for (std::size_t i = 0; i < images.size() && image < 0; ++i) {
+        if (!images[i].contains("bufferView") || images[i].value("mimeType", "") != picture.mimeType) continue;
+        const Json& view = glb.json["bufferViews"][images[i]["bufferView"].get<std::size_t>()];
+        if (glb.ViewBytes(view) == picture.bytes) image = int(i);
+    }
+    if (image < 0) {
+        const int view = glb.AddBytes(picture.bytes);
+        image = glb.Add("images", {{"mimeType", picture.mimeType}, {"bufferView", view}});
+    }
+    constexpr int kNearest = 9728, kLinear = 9729, kNearestOfSmaller = 9984, kLinearOfSmaller = 9987;
+    const int sampler = AddOnce(glb, "samplers",
+                                {{"magFilter", picture.blurred ? kLinear : kNearest},
+                                 {"minFilter", picture.blurred ? kLinearOfSmaller : kNearestOfSmaller}});
+    return AddOnce(glb, "textures", {{"sampler", sampler}, {"source", image}});
+}
+
+/// Materials that look alike are one. @param picture  null: none
+int AddMaterial(GlbWriter& glb, const tavrik::ShapeMaterial& material, const tavrik::ShapePicture* picture) {
+    // Seven digits show every single-precision colour; the double behind it would print seventeen.
+    const auto number = [](float value) { return std::round(double(value) * 1e6) / 1e6; };
+    Json json = {
+        {"name", material.name},
+        {"pbrMetallicRoughness",
+         {{"baseColorFactor", {number(material.red), number(material.green), number(material.blue), number(material.alpha)}},
+          {"metallicFactor", number(material.metallic)},
+          {"roughnessFactor", number(material.roughness)}}}};
+    if (picture != nullptr) json["pbrMetallicRoughness"]["baseColorTexture"] = {{"index", AddPicture(glb, *picture)}};
+    if (material.alpha < 1.0f) json["alphaMode"] = "BLEND";
+    if (material.doubleSided) json["doubleSided"] = true;
+    return AddOnce(glb, "materials", std::move(json));
 }
 
 struct FilePart {
@@ -103,9 +130,12 @@ INode* AddMeshNode(SceneDocument& document, std::span<const tavrik::ShapePart> p
         }
         Json attributes = {{"POSITION", glb.AddFloats(out.positions, 3, GlbWriter::Use::Vertices, /*bounds=*/true)}};
         if (!out.normals.empty()) attributes["NORMAL"] = glb.AddFloats(out.normals, 3, GlbWriter::Use::Vertices, false);
+        const std::vector<float>& spots = out.part->pictureSpots;
+        if (!spots.empty()) attributes["TEXCOORD_0"] = glb.AddFloats(spots, 2, GlbWriter::Use::Vertices, false);
         const int indices = glb.AddIndices(corners);
-        primitives.push_back(
-            {{"attributes", std::move(attributes)}, {"indices", indices}, {"material", AddMaterial(glb, out.part->material)}});
+        primitives.push_back({{"attributes", std::move(attributes)},
+                              {"indices", indices},
+                              {"material", AddMaterial(glb, out.part->material, out.part->picture.get())}});
     }
     const int mesh = primitives.empty() ? -1 : glb.Add("meshes", {{"name", name}, {"primitives", std::move(primitives)}});
     document.json = std::move(glb.json);

@@ -188,10 +188,10 @@ std::vector<TimeValue> KeyTicks(const NodeTree& tree, BakedKeys keys) {
 }
 
 /// Keys that single precision can't tell apart would not ascend in the file, so the later one is left out.
-std::vector<TimeValue> Distinct(const std::vector<TimeValue>& ticks, std::vector<float>& seconds) {
+std::vector<TimeValue> Distinct(const std::vector<TimeValue>& ticks, TimeValue secondZero, std::vector<float>& seconds) {
     std::vector<TimeValue> chosen;
     for (const TimeValue tick : ticks) {
-        const float time = float((double(tick) - double(ticks.front())) / TIME_TICKSPERSEC);
+        const float time = float((double(tick) - double(secondZero)) / TIME_TICKSPERSEC);
         if (!seconds.empty() && time <= seconds.back()) continue;
         chosen.push_back(tick);
         seconds.push_back(time);
@@ -209,12 +209,11 @@ std::vector<TimeValue> RecordedTicks() {
         Object* const object = node->GetObjectRef();
         if (object == nullptr || object->ClassID() != MasterClass() || !seen.insert(object).second) continue;
         for (const Chunk& chunk : SaveChunks(*object)) {
-            const auto motion = std::make_unique<tavrik::RecordedMotion>();  // far too large for the stack
+            std::vector<TimeValue> times;
             std::string problem;
-            if (chunk.id != kRecordingChunk || !tavrik::LoadRecording(chunk.bytes, *motion, problem) || motion->valid == 0)
+            if (chunk.id != kRecordingChunk || !tavrik::LoadRecordedTimes(chunk.bytes, times, problem) || times.empty())
                 continue;
-            const auto frames = std::size_t(std::max(motion->frames, 1));
-            for (std::size_t i = 1; i < frames; ++i) ticks.insert(motion->times[i]);
+            ticks.insert(times.begin() + 1, times.end());
         }
     }
     return {ticks.begin(), ticks.end()};
@@ -241,8 +240,9 @@ NodeTree TheNodes() {
     return tree;
 }
 
-BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys) {
+BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeValue> secondZero) {
     BakedMotion motion;
+    motion.secondZero = secondZero.value_or(0);
     Player player(tree);
     player.GoTo(GetCOREInterface()->GetAnimRange().Start());
     std::vector<KeyWriter> writers;
@@ -251,8 +251,9 @@ BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys) {
     }
     std::vector<DMatrix3> rest = player.local;
     if (!writers.empty()) {
-        const std::vector<TimeValue> ticks = Distinct(KeyTicks(tree, keys), motion.seconds);
-        motion.firstTick = ticks.front();
+        const std::vector<TimeValue> wanted = KeyTicks(tree, keys);
+        motion.secondZero = std::min(secondZero.value_or(wanted.front()), wanted.front());
+        const std::vector<TimeValue> ticks = Distinct(wanted, motion.secondZero, motion.seconds);
         for (const TimeValue tick : ticks) {
             player.GoTo(tick);
             for (KeyWriter& writer : writers) writer.Add(player.local[writer.keys.node]);

@@ -1,6 +1,7 @@
 #pragma once
 /// The motion of a scene as glTF animation has it.
 
+#include <optional>
 #include <vector>
 
 #include "host/scene_axes.h"
@@ -25,12 +26,13 @@ struct BakedNode {
 struct BakedMotion {
     std::vector<Placement>
         rest;  // beside the tree's nodes, each in its parent: at the first key, or as they stand without motion
-    std::vector<float> seconds;    // of the keys, from 0 on; empty where nothing moves
+    std::vector<float> seconds;    // of the keys, not negative; empty where nothing moves
     std::vector<BakedNode> nodes;  // those that move within their parents
-    TimeValue firstTick = 0;       // to which second 0 belongs
+    TimeValue secondZero = 0;      // its tick
 };
 
 /// Plays the scene. The time that it stands at doesn't matter. Refuses (`SceneFault`) frames that are not finite.
-BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys);
+/// @param secondZero  tick of second 0; keys that lie before it, and none given, let time begin at the first key
+BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeValue> secondZero);
 
 }  // namespace tavrik_host

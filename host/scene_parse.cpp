@@ -131,9 +131,10 @@ ThingRecord ReadThing(const GltfFile& gltf, const Json& json, const std::string&
         Refuse(fmt::format("{} is of a kind that can't stand there.", thing.name));
     }
     const bool isMesh = id == triObjectClassID && thing.superClass == GEOMOBJECT_CLASS_ID;
+    const bool isSpline = id == splineShapeClassID && thing.superClass == SHAPE_CLASS_ID;
     const bool isPrs = isController && id == Class_ID(PRS_CONTROL_CLASS_ID, 0);
     if (isPrs) thing.prs = ReadPrs(json, thing.name);
-    if (!isMesh && !isPrs) {
+    if (!isMesh && !isSpline && !isPrs) {
         thing.desc = FindClass(thing.superClass, id);
         if (thing.desc == nullptr) {
             Refuse(fmt::format("the class of {} is not known here; load the plug-in that has it.", thing.name));

@@ -180,7 +180,7 @@ class ForeignNodes {
     ForeignNodes(const GltfFile& gltf, GltfNumbers& numbers, SceneRecords& records, const std::vector<bool>& foreign)
         : gltf_(gltf),
           records_(records),
-          motions_(ReadKeys(gltf, numbers, foreign, records.metresPerUnit, records.ticksPerFrame)) {}
+          motions_(ReadKeys(gltf, numbers, foreign, records.metresPerUnit, {records.ticksPerFrame, records.secondZero})) {}
 
     void Fill(const Json& json, const std::string& what, NodeRecord& node) {
         node.name = FromUtf8(NameOf(gltf_.json, json, what));
@@ -227,7 +227,7 @@ class ForeignNodes {
         if (found != objectOf_.end()) return found->second;
         ThingRecord object;
         object.name = fmt::format("mesh {}", mesh);
-        object.superClass = GEOMOBJECT_CLASS_ID;
+        object.superClass = IsMadeOfLines(gltf_.json["meshes"][std::size_t(mesh)]) ? SHAPE_CLASS_ID : GEOMOBJECT_CLASS_ID;
         object.mesh = mesh;
         records_.objects.push_back(std::move(object));
         return objectOf_[mesh] = int(records_.objects.size()) - 1;
@@ -239,22 +239,32 @@ class ForeignNodes {
     std::map<int, int> objectOf_;  // of each mesh
 };
 
-/// What a file without our extension says of its timeline, as those that we write for other programs do.
-void ReadTimeline(const Json& json, SceneRecords& records) {
-    const Json& scenes = OptionalList(json, "scenes", "the file");
-    const Json* shown = Find(json, "scene");
-    const std::size_t scene = shown == nullptr || !shown->is_number_unsigned() ? 0 : shown->get<std::size_t>();
-    if (scene >= scenes.size()) return;
-    const Json* extras = Find(scenes[scene], "extras");
-    const auto number = [&](const char* key) {
-        const Json* value = extras == nullptr ? nullptr : Find(*extras, key);
+/// The numbers that a written scene's "extras" tell; NaN where there are none.
+class TimelineExtras {
+ public:
+    explicit TimelineExtras(const Json& json) {
+        const Json& scenes = OptionalList(json, "scenes", "the file");
+        const Json* shown = Find(json, "scene");
+        const std::size_t scene = shown == nullptr || !shown->is_number_unsigned() ? 0 : shown->get<std::size_t>();
+        if (scene < scenes.size()) extras_ = Find(scenes[scene], "extras");
+    }
+    double Number(const char* key) const {
+        const Json* value = extras_ == nullptr ? nullptr : Find(*extras_, key);
         return value != nullptr && value->is_number() ? value->get<double>() : std::nan("");
-    };
-    const double ticks = TIME_TICKSPERSEC / number("frameRate");
+    }
+
+ private:
+    const Json* extras_ = nullptr;
+};
+
+/// What a file without our extension says of its timeline, as those that we write for other programs do.
+void ReadTimeline(const TimelineExtras& extras, SceneRecords& records) {
+    const double ticks = TIME_TICKSPERSEC / extras.Number("frameRate");
     if (!(ticks >= 1.0 && ticks <= TIME_TICKSPERSEC) || std::abs(ticks - std::round(ticks)) > 1e-6) return;
     records.ticksPerFrame = int(std::round(ticks));
     records.lastTick = 100 * records.ticksPerFrame;
-    const double first = number("firstFrame") * records.ticksPerFrame, last = number("lastFrame") * records.ticksPerFrame;
+    const double first = extras.Number("firstFrame") * records.ticksPerFrame,
+                 last = extras.Number("lastFrame") * records.ticksPerFrame;
     if (!(std::abs(first) < 1e9 && std::abs(last) < 1e9 && first <= last)) return;
     records.firstTick = records.time = TimeValue(first);
     records.lastTick = TimeValue(last);
@@ -273,7 +283,7 @@ void GiveHandles(SceneRecords& records) {
         if (node.handle == 0) without.push_back(&node);
     }
     std::sort(without.begin(), without.end(), [](const NodeRecord* a, const NodeRecord* b) { return a->file < b->file; });
-    if (without.size() >= 0xffffffff - records.nextHandle) Refuse("its nodes have used up all handles.");
+    if (!without.empty() && without.size() >= 0xffffffff - records.nextHandle) Refuse("its nodes have used up all handles.");
     for (NodeRecord* node : without) node->handle = records.nextHandle++;
 }
 
@@ -289,7 +299,10 @@ void ParseNodes(const GltfFile& gltf, GltfNumbers& numbers, SceneRecords& record
     for (const std::size_t i : shown) foreign[i] = ExtensionOf(nodes[i]) == nullptr;
     const Json* extensions = Find(gltf.json, "extensions");
     const bool isOurs = extensions != nullptr && Find(*extensions, kExtension) != nullptr;
-    if (!isOurs) ReadTimeline(gltf.json, records);
+    const TimelineExtras extras(gltf.json);
+    if (!isOurs) ReadTimeline(extras, records);
+    const double secondZero = extras.Number("firstKeyTick");
+    if (std::abs(secondZero) < 1e9) records.secondZero = TimeValue(secondZero);
     ForeignNodes maker(gltf, numbers, records, foreign);
     std::vector<int> recordOf(nodes.size(), kNone);
     std::vector<int> above(nodes.size(), 0);

@@ -45,11 +45,11 @@ struct PrsRecord {
 /// An object, a texture map or a controller.
 struct ThingRecord {
     std::string name;           // for messages: "object 3 (Wheel)"
-    ClassDesc* desc = nullptr;  // null for the host's own mesh and transform controller
+    ClassDesc* desc = nullptr;  // null for the host's own mesh, spline and transform controller
     SClass_ID superClass = 0;
     std::vector<ParamRecord> parameters;
     std::vector<Chunk> chunks;
-    int mesh = kNone;  // of a mesh object: in the file's list
+    int mesh = kNone;  // of a mesh or spline object: in the file's list
     std::optional<PrsRecord> prs;
     int wrappedReference = kNone;  // of a controller: the reference that holds another one
     int wrapped = kNone;           // and which
@@ -67,6 +67,7 @@ struct NodeRecord {
 struct SceneRecords {
     double metresPerUnit = 0.01;
     int ticksPerFrame = 160;
+    TimeValue secondZero = 0;  // tick of second 0 of the file's animations
     TimeValue firstTick = 0, lastTick = 16000, time = 0;
     ULONG nextHandle = 1;
     std::uint64_t seed = 1;

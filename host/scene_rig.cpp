@@ -29,13 +29,13 @@ bool ReadRig(INode& master, tavrik::CarRig& rig, std::string& problem) {
     if (!ReadRecording(master, rig.motion, problem)) return false;
     const std::string name = ToUtf8(master.GetName());
     if (!rig.motion.valid) {
-        problem = fmt::format("{} has no recording: its car is not locked", name);
+        problem = fmt::format("{} has no recording: its car is not locked.", name);
         return false;
     }
     SceneView view;
     view.SetRig(master, rig);
     if (Reattach(rig, view.Root(), view.Of(master))) return true;
-    problem = fmt::format("the nodes that are locked to {} don't form a whole car any more", name);
+    problem = fmt::format("the nodes that are locked to {} don't form a whole car any more.", name);
     return false;
 }
 

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -17,7 +18,10 @@
 #include "host/scene_file.h"
 #include "host/scene_meshes.h"
 #include "host/scene_motion.h"
+#include "host/scene_seal.h"
+#include "host/scene_shapes.h"
 #include "host/scene_write.h"
+#include "host/sdk/line_shape.h"
 #include "host/sdk/standin.h"
 #include "host/wide_text.h"
 
@@ -74,13 +78,19 @@ Json Singles(std::initializer_list<double> numbers) {
     return list;
 }
 
+/// Animations that the document brings go on in their own time, and the motion of nodes keeps step with them.
+std::optional<TimeValue> KeptTime(const SceneDocument& document) {
+    if (Find(document.json, "animations") == nullptr) return std::nullopt;
+    return document.secondZero;
+}
+
 /// One file in the making.
 class SceneWriter {
  public:
     SceneWriter(const SceneDocument& document, BakedKeys keys, bool withExtension)
         : document_(document),
           tree_(TheNodes()),
-          motion_(BakeMotion(tree_, keys)),
+          motion_(BakeMotion(tree_, keys, KeptTime(document))),
           glb_(document.json, document.binary),
           withExtension_(withExtension) {
         order_.resize(tree_.nodes.size());
@@ -126,7 +136,7 @@ class SceneWriter {
         glb_.json["asset"] = std::move(asset);
     }
 
-    /// Finds the mesh of each mesh object, and draws those that have none yet.
+    /// Finds the mesh of each mesh and spline object, and draws those that have none yet.
     void AddMeshes() {
         for (INode* node : ordered_) {
             const auto parts = document_.nodeParts.find(node->GetHandle());
@@ -134,9 +144,14 @@ class SceneWriter {
             if (const Json* mesh = Find(parts->second, "mesh")) meshOf_.emplace(node->GetObjectRef(), mesh->get<int>());
         }
         for (INode* node : ordered_) {
-            auto* const object = dynamic_cast<TriObject*>(node->GetObjectRef());
+            Object* const object = node->GetObjectRef();
             if (object == nullptr || meshOf_.contains(object)) continue;
-            meshOf_[object] = WriteMesh(glb_, object->mesh, ToUtf8(node->GetName()), MetresPerUnit());
+            const std::string name = ToUtf8(node->GetName());
+            if (const auto* tri = dynamic_cast<TriObject*>(object)) {
+                meshOf_[object] = WriteMesh(glb_, tri->mesh, name, MetresPerUnit());
+            } else if (const auto* spline = dynamic_cast<LineShape*>(object)) {
+                meshOf_[object] = WriteShape(glb_, *spline, name, MetresPerUnit());
+            }
         }
     }
 
@@ -253,7 +268,7 @@ class SceneWriter {
         extras["firstFrame"] = range.Start() / step;
         extras["lastFrame"] = range.End() / step;
         extras["ticksPerSecond"] = TIME_TICKSPERSEC;
-        if (!motion_.nodes.empty()) extras["firstKeyTick"] = motion_.firstTick;
+        if (!motion_.nodes.empty() || KeptTime(document_)) extras["firstKeyTick"] = motion_.secondZero;
         Json ordered = Json::object(), value;
         for (const char* key : {"name", "nodes", "extensions", "extras"}) {
             if (Take(scene, key, value)) ordered[key] = std::move(value);
@@ -295,6 +310,7 @@ std::string ToText(std::string_view glb) {
     std::string problem;
     if (!tavrik::SplitGltf(glb, container, problem)) Refuse(problem);
     Json json = Json::parse(container.text);
+    if (json.contains("extensions") && json["extensions"].contains(kExtension)) json["extensions"][kExtension].erase(kSealKey);
     if (json.contains("buffers")) {
         const std::string_view data = container.binary.substr(0, json["buffers"][0]["byteLength"].get<std::size_t>());
         json["buffers"][0]["uri"] = "data:application/octet-stream;base64," + ToBase64(data);
@@ -305,20 +321,25 @@ std::string ToText(std::string_view glb) {
 }  // namespace
 
 bool MakeSceneFile(const SceneDocument& document, std::string& bytes, std::string& problem) {
-    return Make(document, BakedKeys::EverySample, /*withExtension=*/true, bytes, problem);
+    if (!Make(document, BakedKeys::EverySample, /*withExtension=*/true, bytes, problem)) return false;
+    SealScene(bytes);
+    return true;
 }
 
 bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem) {
     return Make(document, keys, /*withExtension=*/false, bytes, problem);
 }
 
-bool WriteSceneFile(const std::filesystem::path& file, std::string_view glb, std::string& problem) {
+bool ToFileForm(const std::filesystem::path& file, std::string& bytes, std::string& problem) {
     std::string extension = file.extension().string();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return char(std::tolower(c)); });
+    if (extension == ".glb") return true;
     try {
-        if (extension == ".glb") return tavrik::WriteFileAtomically(file, glb, problem);
-        if (extension == ".gltf") return tavrik::WriteFileAtomically(file, ToText(glb), problem);
+        if (extension == ".gltf") {
+            bytes = ToText(bytes);
+            return true;
+        }
         problem = fmt::format("{}: scenes are written as .glb or .gltf.", file.string());
     } catch (const std::bad_alloc&) {
         problem = fmt::format("{}: the scene is too large for this machine's memory.", file.string());
@@ -326,6 +347,10 @@ bool WriteSceneFile(const std::filesystem::path& file, std::string_view glb, std
         problem = fmt::format("{}: {}", file.string(), error.what());
     }
     return false;
+}
+
+bool WriteSceneFile(const std::filesystem::path& file, std::string bytes, std::string& problem) {
+    return ToFileForm(file, bytes, problem) && tavrik::WriteFileAtomically(file, bytes, problem);
 }
 
 }  // namespace tavrik_host

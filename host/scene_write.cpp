@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "host/scene_parameters.h"
+#include "host/scene_seal.h"
 #include "host/sdk/desktop.h"
 #include "host/sdk/prs_control.h"
 #include "host/sdk/standin.h"
@@ -69,7 +70,8 @@ int ExtensionWriter::NumberOf(ReferenceTarget& thing, std::vector<ReferenceTarge
 
 Json ExtensionWriter::Root() {
     const Interval range = GetCOREInterface()->GetAnimRange();
-    Json root = {{"version", 1},
+    Json root = {{kSealKey, kNoSeal},
+                 {"version", 1},
                  {"metresPerUnit", MetresPerUnit()},
                  {"ticksPerFrame", GetTicksPerFrame()},
                  {"animationRange", {range.Start(), range.End()}},

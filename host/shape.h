@@ -2,6 +2,7 @@
 /// Meshes to look at, as opposed to the ground that is driven on: with normals, in parts of one material each.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,14 @@ struct ShapeMaterial {
     float red, green, blue;  // linear, 0..1
     float metallic, roughness;
     bool doubleSided = false;
+    float alpha = 1.0f;  // below 1: one looks through
+};
+
+/// An image as a file holds it.
+struct ShapePicture {
+    std::string mimeType;  // "image/png" or "image/jpeg"
+    std::string bytes;     // at least one
+    bool blurred = true;   // whether its pixels flow into each other
 };
 
 /// Faces run counter-clockwise seen from outside.
@@ -23,6 +32,10 @@ struct ShapePart {
     std::vector<Point3> positions;  // scene units, Z up
     std::vector<Point3> normals;    // of length 1, beside `positions`
     std::vector<std::uint32_t> indices;
+    /// What the material's colour is multiplied by; null: nothing. Each position has two numbers in `pictureSpots`, across and
+    /// down the picture, 0..1.
+    std::shared_ptr<const ShapePicture> picture = nullptr;
+    std::vector<float> pictureSpots = {};
 };
 
 struct Shape {

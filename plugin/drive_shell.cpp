@@ -116,7 +116,13 @@ tavrik::CarRig& MasterDrive::Rig() { return *master_.Rig(); }
 const tavrik::ParamBlock& MasterDrive::Params() const { return master_.Params(); }
 const tavrik::SurfaceTree& MasterDrive::Surface() const { return master_.Surface(); }
 void MasterDrive::UpdateSurface() { master_.UpdateSurface(); }
-tavrik::TargetDriver* MasterDrive::Target() { return Driver(); }
+tavrik::TargetDriver* MasterDrive::Target() { return Driver() != nullptr ? Driver() : &path_; }
+
+/// Of every car that took part in the run.
+void MasterDrive::RebuildTrails() {
+    const tavrik::CarWorld& world = TheWorld();
+    for (std::int32_t i = 0; i < world.carCount; ++i) static_cast<Tavrik*>(world.rigs[i]->master)->RebuildTrail();
+}
 
 tavrik::WorldScene* MasterDrive::Scene() {
     static HostScene scene;

@@ -1,6 +1,7 @@
 #include "plugin/master.h"
 
 #include <cmath>
+#include <new>
 #include <utility>
 
 #include "plugin/convert.h"
@@ -87,6 +88,19 @@ void Tavrik::UpdateSurface() { CaptureSurface(NodeOf(pblock_, Param::Surface_Nod
 void Tavrik::Drive() {
     TheWorld().random.Seed(RunSeed());
     session_.OpenDrive();
+}
+
+void Tavrik::RebuildTrail() {
+    std::string notice;
+    trail_.reset();
+    try {
+        auto built = std::make_shared<tavrik::TrackTrail>();
+        built->Build(rig_, notice);
+        if (built->built != 0) trail_ = std::move(built);
+    } catch (const std::bad_alloc&) {
+        notice = "There is not enough memory for the tyre tracks of a recording of this length; drive a shorter one.";
+    }
+    if (!notice.empty()) Complain(notice);
 }
 
 void Tavrik::Reattach() {

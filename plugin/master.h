@@ -1,6 +1,7 @@
 #pragma once
 /// The object that stands for a whole vehicle in the scene: it owns the car, its recording and its drive.
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "rig/assembly.h"
 #include "rig/car_rig.h"
 #include "surface/surface_tree.h"
+#include "tracks/track_trail.h"
 
 namespace tavrik_plugin {
 
@@ -39,6 +41,11 @@ class Tavrik final : public RigHelper {
     const tavrik::SurfaceTree& Surface() const { return surface_; }
     tavrik::ParamBlock& Params() { return params_; }
 
+    /// Brings the tyre tracks up to date with the recording. They stay as they are until the next call, whatever is edited.
+    void RebuildTrail();
+    /// The tyre tracks; null while there are none. Renders keep theirs alive when there are newer ones.
+    const std::shared_ptr<const tavrik::TrackTrail>& Trail() const { return trail_; }
+
     /// After a load, once everything that the file tells is in place.
     void Reattach();
 
@@ -61,6 +68,7 @@ class Tavrik final : public RigHelper {
     /// Takes the car out of the world and closes the windows that drive it: it is about to be another one, or none.
     void LeaveWorld();
 
+    std::shared_ptr<const tavrik::TrackTrail> trail_;  // outlives the session, whose last run may still rebuild it
     MasterDrive drive_{*this};
     BlockParams params_{pblock_};
     tavrik::DriveSession session_;

@@ -60,7 +60,10 @@ class TavrikPostLoadCallback final : public PostLoadCallback {
     void proc(ILoad*) override {
         // The host may have thrown the master away again since.
         const std::vector<Tavrik*>& masters = Tavrik::All();
-        if (std::ranges::find(masters, master_) != masters.end()) master_->Reattach();
+        if (std::ranges::find(masters, master_) != masters.end()) {
+            master_->Reattach();
+            master_->RebuildTrail();
+        }
         delete this;
     }
 

@@ -1,10 +1,14 @@
 #pragma once
-/// The map that paints tyre tracks. So far it holds its settings alone: it has nothing to paint with.
+/// The map that paints tyre tracks: an artist puts it into the ground's material and names a master, whose wheels then leave
+/// their marks wherever they went, on whatever surface the map lies.
 
+#include <custcont.h>
 #include <imtl.h>
 #include <iparamb2.h>
+#include <iparamm2.h>
 
 #include "plugin/sdk_year.h"
+#include "tracks/painted_trail.h"
 
 namespace tavrik_plugin {
 
@@ -12,6 +16,29 @@ class TavrikTrackTex final : public Texmap {
  public:
     TavrikTrackTex();
     ~TavrikTrackTex() override;
+    TavrikTrackTex(const TavrikTrackTex&) = delete;
+    TavrikTrackTex& operator=(const TavrikTrackTex&) = delete;
+
+    /// Takes the master's present trail and the present treads of its wheels; both stay alive until the next call. Without a
+    /// master there is nothing to paint, and every answer is white and flat.
+    void Update(TimeValue t, Interval& valid) override;
+    void Reset() override;
+    Interval Validity(TimeValue t) override;
+    // Any number of threads may ask at once.
+    AColor EvalColor(ShadeContext& sc) override;
+    float EvalMono(ShadeContext& sc) override;
+    Point3 EvalNormalPerturb(ShadeContext& sc) override;
+    void GetUVTransform(Matrix3& uvtrans) override { uvtrans.IdentityMatrix(); }
+    ParamDlg* CreateParamDlg(HWND hwMtlEdit, IMtlParams* imp) override;
+
+    // What its page does.
+    void OpenPage(HWND page);
+    void ClosePage();
+    /// Lets the artist pick a master in a view.
+    void StartPicking();
+    /// @param node  passed the filter
+    void TakeMaster(INode& node);
+    void CheckPickButton(bool checked);
 
     void DeleteThis() override { delete this; }
     void TAVRIK_GET_CLASS_NAME(s) override;
@@ -34,6 +61,13 @@ class TavrikTrackTex final : public Texmap {
     void SetReference(int, RefTargetHandle target) override { pblock_ = static_cast<IParamBlock2*>(target); }
 
  private:
+    INode* MasterNode() const;
+    void ShowMasterName();
+
+    tavrik::TrackParams params_;
+    tavrik::PaintedTrail painted_;
+    HWND rollout_ = nullptr;
+    ICustButton* pickButton_ = nullptr;
     IParamBlock2* pblock_ = nullptr;
 };
 

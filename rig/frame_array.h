@@ -55,7 +55,8 @@ class FrameArray {
     std::span<const T> Room() const { return room_; }
     /// Makes room for `frames` in all; there is never less room than before. When memory runs out nothing has changed.
     void GrowRoom(std::size_t frames) {
-        room_.reserve(frames);  // exactly: what is asked for already has some to spare
+        // A quarter to spare, so that a long run doesn't copy all of itself again and again.
+        if (frames > room_.capacity()) room_.reserve(std::max(frames, room_.capacity() + room_.capacity() / 4));
         if (frames > room_.size()) room_.resize(frames);
     }
 

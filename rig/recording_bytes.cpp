@@ -95,6 +95,26 @@ bool CheckTimes(const ImageHead& head, std::string_view image, std::string& prob
     return true;
 }
 
+/// Checks a whole image. @return whether it can have come from a recording, or from there being none (`valid` 0)
+bool ReadHead(std::string_view image, ImageHead& head, std::string& problem) {
+    if (image.size() < kFlagBytes) {
+        problem = WrongLength(kFlagBytes, image.size());
+        return false;
+    }
+    std::memcpy(&head.valid, image.data(), kFlagBytes);
+    if (!head.valid) {
+        if (image.size() == kFlagBytes) return true;
+        problem = WrongLength(kFlagBytes, image.size());
+        return false;
+    }
+    if (image.size() < kHeadBytes) {
+        problem = WrongLength(kHeadBytes, image.size());
+        return false;
+    }
+    std::memcpy(&head, image.data(), kHeadBytes);
+    return CheckHead(head, image.size(), problem) && CheckTimes(head, image, problem);
+}
+
 /// @param image  of checked counts and length
 RecordedMotion MotionOf(const ImageHead& head, std::string_view image) {
     RecordedMotion motion;
@@ -146,28 +166,21 @@ std::size_t RecordingBytes(std::string_view bytes) {
 
 bool LoadRecording(std::string_view image, RecordedMotion& motion, std::string& problem) {
     ImageHead head = {};
-    if (image.size() < kFlagBytes) {
-        problem = WrongLength(kFlagBytes, image.size());
-        return false;
-    }
-    std::memcpy(&head.valid, image.data(), kFlagBytes);
+    if (!ReadHead(image, head, problem)) return false;
     if (!head.valid) {
-        if (image.size() != kFlagBytes) {
-            problem = WrongLength(kFlagBytes, image.size());
-            return false;
-        }
         motion.Release();
         return true;
     }
-
-    if (image.size() < kHeadBytes) {
-        problem = WrongLength(kHeadBytes, image.size());
-        return false;
-    }
-    std::memcpy(&head, image.data(), kHeadBytes);
-    if (!CheckHead(head, image.size(), problem) || !CheckTimes(head, image, problem)) return false;
     // Made beside the present one, which is released only now: should memory run out, it is still there.
     motion = MotionOf(head, image);
+    return true;
+}
+
+bool LoadRecordedTimes(std::string_view image, std::vector<TimeValue>& times, std::string& problem) {
+    ImageHead head = {};
+    if (!ReadHead(image, head, problem)) return false;
+    times.resize(head.valid ? std::size_t(head.frames) : 0);
+    if (!times.empty()) std::memcpy(times.data(), image.data() + kHeadBytes, times.size() * sizeof(TimeValue));
     return true;
 }
 

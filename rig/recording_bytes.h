@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "rig/recorded_motion.h"
 
@@ -34,5 +35,8 @@ std::size_t RecordingBytes(std::string_view head);
 ///                 before; take the scene from a backup."
 /// @return false, with `motion` as it was, when the image can't have come from a recording
 bool LoadRecording(std::string_view image, RecordedMotion& motion, std::string& problem);
+
+/// Reads no more than the ticks of a saved recording's frames, that of the assembly first; none where there is no recording.
+bool LoadRecordedTimes(std::string_view image, std::vector<TimeValue>& times, std::string& problem);
 
 }  // namespace tavrik

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "samples/hill_noise.h"
 #include "solver/double_maths.h"
 
 namespace tavrik {
@@ -13,35 +14,11 @@ namespace {
 
 constexpr double kMetre = 100.0;  // scene units
 
-/// A number in [0, 1) for a point of the lattice, the same on every machine: a mixer of integers (Steele, Lea and Flood, "Fast
-/// Splittable Pseudorandom Number Generators", 2014).
-double LatticeValue(std::int64_t x, std::int64_t y, std::uint64_t seed) {
-    std::uint64_t bits = seed + 0x9e3779b97f4a7c15u * std::uint64_t(x) + 0xc2b2ae3d27d4eb4fu * std::uint64_t(y);
-    bits = (bits ^ (bits >> 30)) * 0xbf58476d1ce4e5b9u;
-    bits = (bits ^ (bits >> 27)) * 0x94d049bb133111ebu;
-    bits ^= bits >> 31;
-    return double(bits >> 40) * 0x1p-24;
-}
-
-/// 0 at 0, 1 at 1, with slope and curvature 0 at both ends: hills without creases.
-double Fade(double t) { return t * t * t * (t * (t * 6.0 - 15.0) + 10.0); }
-
-/// Rolling noise between -1 and 1 with hills about `metres` apart.
-double Noise(double x, double y, double metres, std::uint64_t seed) {
-    const double u = x / metres, v = y / metres;
-    const double column = std::floor(u), row = std::floor(v);
-    const std::int64_t i = std::int64_t(column), j = std::int64_t(row);
-    const double s = Fade(u - column), t = Fade(v - row);
-    const double south = LatticeValue(i, j, seed) * (1 - s) + LatticeValue(i + 1, j, seed) * s;
-    const double north = LatticeValue(i, j + 1, seed) * (1 - s) + LatticeValue(i + 1, j + 1, seed) * s;
-    return (south * (1 - t) + north * t) * 2.0 - 1.0;
-}
-
 /// Metres above the level; all of it level within 35 m of the middle.
 double HillHeight(double x, double y, std::uint64_t seed) {
     const double distance = std::sqrt(x * x + y * y);
     const double rise = Fade(std::clamp((distance - 35.0) / 50.0, 0.0, 1.0));
-    return rise * (4.5 * Noise(x, y, 70.0, seed) + 1.0 * Noise(x, y, 24.0, seed + 1));
+    return rise * (4.5 * HillNoise(x, y, 70.0, seed) + 1.0 * HillNoise(x, y, 24.0, seed + 1));
 }
 
 /// A square of triangles with the heights of hills at its corners and flat triangles between.

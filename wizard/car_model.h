@@ -25,6 +25,7 @@ struct CarModel {
     std::vector<ModelPart> parts;
     double metresPerUnit = 1.0;           // what the file tells, or its format's habit
     DPoint3 usualForward{0.0, 0.0, 0.0};  // where cars in this format mostly look; zero: no habit
+    bool stoodUp = false;                 // whether Y is up in its file: the file's (x, y, z) is (x, -z, y) here
 };
 
 }  // namespace tavrik

@@ -21,6 +21,8 @@ constexpr double kMostWheels = 0.25;
 constexpr double kTyreSink = 0.02;
 // The stock car's, to its mass.
 constexpr double kSolidityToMass = 2000.0;
+// Of the radius: half as wide as tyres that let a bike lean into its turns may be.
+constexpr double kMostBikeWidth = 0.2;
 constexpr double kBufferToSpring = 4.0;
 
 bool Holds(const std::vector<int>& list, int value) { return std::find(list.begin(), list.end(), value) != list.end(); }
@@ -61,8 +63,13 @@ class SpringPlanner {
     }
     double Metres(double sceneUnits) const { return sceneUnits / options_.unitsPerMetre; }
     double Radius(std::size_t i) const { return layout_.wheels[i].radius * layout_.unitScale; }
-    /// The solver's tyre is a ring about a centre line: a section that leaves no ring would be a ball.
-    double HalfWidth(std::size_t i) const { return std::min(layout_.wheels[i].halfWidth * layout_.unitScale, 0.5 * Radius(i)); }
+    /// The solver's tyre is a ring about a centre line: a section that leaves no ring would be a ball. And a bike turns by
+    /// leaning, from which a broad tyre would keep it.
+    double HalfWidth(std::size_t i) const {
+        const double drawn = layout_.wheels[i].halfWidth * layout_.unitScale;
+        const bool mustLean = layout_.isBike && !options_.wheelWidth;
+        return std::min(drawn, (mustLean ? kMostBikeWidth : 0.5) * Radius(i));
+    }
 
     void ChooseAxles() {
         const int n = layout_.axleCount;
@@ -73,11 +80,16 @@ class SpringPlanner {
         };
         std::vector<int> others;
         for (int axle = 2; axle <= n; ++axle) others.push_back(axle);
-        const std::vector<int> first = n > 1 ? std::vector<int>{1} : std::vector<int>{};
+        const bool isTowed = options_.tongue.has_value();
+        const std::vector<int> first = n > 1 && !isTowed ? std::vector<int>{1} : std::vector<int>{};
         steered_ = choose(options_.steeredAxles, first, "steered axles",
-                          n > 1 ? "the first one steers" : "a single axle has none to steer against");
-        driven_ = choose(options_.drivenAxles, others, "driven axles",
-                         n > 1 ? "all behind the first drive" : "a single axle is towed");
+                          isTowed ? "it is towed"
+                          : n > 1 ? "the first one steers"
+                                  : "a single axle has none to steer against");
+        driven_ = choose(options_.drivenAxles, isTowed ? std::vector<int>{} : others, "driven axles",
+                         isTowed ? "it is towed"
+                         : n > 1 ? "all behind the first drive"
+                                 : "a single axle is towed");
         handbrake_ = choose(options_.handbrakeAxles, others, "hand-braked axles", "those that drive mostly are");
     }
 
@@ -104,6 +116,10 @@ class SpringPlanner {
             for (double& one : wheelMass_) one *= bound / all;
             all = bound;
         }
+        if (HalfWidth(0) < 0.99 * std::min(layout_.wheels[0].halfWidth * layout_.unitScale, 0.5 * Radius(0))) {
+            Decide("tyre width", NumberText(2.0 * Metres(HalfWidth(0))) + " m",
+                   "drawn wider, but on broad tyres a bike would stand instead of leaning into its turns");
+        }
         Decide("wheel mass", NumberText(all / double(count_)) + " kg each",
                options_.wheelMass ? "you said so, as far as it leaves a body"
                                   : "by their volume, and a quarter of the car at most");
@@ -115,7 +131,7 @@ class SpringPlanner {
     void ChooseMassUnit() {
         const double lightest = *std::min_element(wheelMass_.begin(), wheelMass_.end());
         const double dt = options_.stepSeconds;
-        double scale = 1.0;
+        double scale = options_.leastMassScale;
         while (scale < 1e9) {
             const double root = 0.7 * StepLimitDamping(lightest * scale, dt) / 20.0;
             if (root * root >= 0.5 * kSolidityToMass * chassisMass_ * scale) break;
@@ -312,25 +328,51 @@ class SpringPlanner {
         result_.plan.standingHeight = height;
     }
 
-    void Advise() {
-        // The stock car, 1340 kg on two driven wheels of radius 32, takes throttle and brake at 2000 a unit:
-        //   force = count * R * sensitivity * input
-        constexpr double kStockPull = 2000.0 * 2 * 32.0 / 1340.0;
-        double driven = 0.0, all = 0.0, mass = chassisMass_;
+    /// What a car of these wheels weighs against a pull, and what its tyres take from that.
+    struct Going {
+        double mass = 0.0;   // with that of the wheels' spin
+        double drag = 0.0;   // force to speed
+        double pull = 0.0;   // of the driven wheels, to throttle times sensitivity
+        double reach = 0.0;  // of all wheels' radii
+    };
+
+    Going HowItGoes() const {
+        Going going;
+        going.mass = chassisMass_ + options_.towedMass * result_.massScale;
         for (std::size_t i = 0; i < count_; ++i) {
-            mass += wheelMass_[i];
-            all += Radius(i);
-            if (result_.plan.units[i].suspension.Drive != 0) driven += Radius(i);
+            const PlannedUnit& unit = result_.plan.units[i];
+            const double r = Radius(i), w = HalfWidth(i), sink = result_.wheels[i].tyreSink;
+            // The solver's wheel has its mass in the corners of a box: its spin weighs twice as much again.
+            going.mass += 3.0 * wheelMass_[i];
+            going.drag += MakeUnit(unit.wheel, unit.suspension, unit.frame, 0).wheelDamping * TyreDrag(r, w, sink);
+            going.reach += r;
+            if (unit.suspension.Drive != 0) going.pull += r * TyreTouch(r, w, sink);
         }
-        DriveAdvice& advice = result_.advice;
+        return going;
+    }
+
+    void Advise() {
+        // The stock car with its own settings, throttle 5000 and brake 2000, goes 1240 cm/s after 4 s of full throttle, which
+        // is 4, and brakes four wheels of radius 32 under 1340 kg and 180 kg of spin.
+        constexpr double kStockSpeed = 1240.0, kSeconds = 4.0, kFullThrottle = 4.0;
+        constexpr double kStockBrake = 2000.0 * 4 * 32.0 / 1520.0;
+        // Of the damping that the rays' angles give: where a tyre would be pulled, it lets go.
+        constexpr double kDragShare = 0.75;
+        const Going going = HowItGoes();
+        //   m dv/dt = F - c v:  v = F / m (1 - exp(-l t)) / l,  l = c / m
+        const double rate = std::max(kDragShare * going.drag / going.mass, 1e-9);
+        const double speed = kFullThrottle * going.pull / going.mass * -std::expm1(-rate * kSeconds) / rate;
         // Lengths of a scene in another unit pull as hard to the eye when force grows with them.
-        const double pull = kStockPull * mass * options_.unitsPerMetre / 100.0;
-        advice.throttleSensitivity = driven > 0.0 ? float(pull / driven) : 0.0f;
-        advice.brakeSensitivity = float(2.0 * pull / all);
+        const double unit = options_.unitsPerMetre / 100.0;
+        DriveAdvice& advice = result_.advice;
+        advice.throttleSensitivity = speed > 0.0 ? float(kStockSpeed * unit / speed) : 0.0f;
+        advice.brakeSensitivity = float(kStockBrake * unit * going.mass / going.reach);
         advice.bikeDrive = layout_.isBike;
-        advice.balanceForce = 2.0f;
+        advice.balanceForce = layout_.isBike ? 3.0f : 2.0f;
         Decide("throttle", NumberText(double(advice.throttleSensitivity)),
-               driven > 0.0 ? "it pulls away as the stock car does" : "no wheel drives");
+               speed > 0.0 ? options_.towedMass > 0.0 ? "with what it tows, it pulls away as the stock car does alone"
+                                                      : "it pulls away as the stock car does"
+                           : "no wheel drives");
     }
 
     const WizardOptions& options_;

@@ -51,10 +51,10 @@ std::vector<StepCheck> StepLimits(const ChassisParams& chassis, std::span<const 
                                   std::span<const CollisionSphere> spheres, double dt) {
     std::vector<StepCheck> checks;
     const auto spring = [&](const char* what, int i, double stiffness, double mass) {
-        checks.push_back({what, i, SpringRatio(stiffness, mass, dt), kMostSpringRatio});
+        checks.push_back({what, i, SpringRatio(stiffness, mass, dt), kMostSpringRatio, kBreakingSpringRatio});
     };
     const auto damper = [&](const char* what, int i, double damping, double mass) {
-        checks.push_back({what, i, damping * dt / mass, kMostDampingRatio});
+        checks.push_back({what, i, damping * dt / mass, kMostDampingRatio, kBreakingDampingRatio});
     };
     const double solidityDamping = std::sqrt(chassis.Solidity) * kSolidityDamping;
     if (!units.empty()) {

@@ -17,6 +17,11 @@ namespace tavrik {
 constexpr double kMostSpringRatio = 0.5;   // of dt * sqrt(k / m)
 constexpr double kMostDampingRatio = 0.5;  // of dt * c / m
 
+// Past these no step survives. A spring's swing then grows from step to step; a damper multiplies what is left of a motion by
+// 1 - x * w in each pass, w being 0.3 * 0.7^k, and the product of the ten passes 1 at x = 30.2.
+constexpr double kBreakingSpringRatio = 2.0;
+constexpr double kBreakingDampingRatio = 30.0;
+
 /// The largest stiffness and damping that hold `mass` within these bounds. @param dt  s
 double StepLimitStiffness(double mass, double dt);
 double StepLimitDamping(double mass, double dt);
@@ -26,7 +31,8 @@ struct StepCheck {
     std::string what;  // such as "tyre damping"
     int unit = -1;     // index of the unit or sphere, -1 for the chassis
     double ratio = 0.0;
-    double limit = 0.0;  // what `ratio` should stay below
+    double limit = 0.0;   // what `ratio` should stay below
+    double breaks = 0.0;  // what it can't pass
 };
 
 /// What weighs against a force at the hub of unit `i`, along the way it pulls: wheel and chassis in series, the lever of the

@@ -84,8 +84,23 @@ bool IsSound(const WizardResult& result) {
         finite.insert(finite.end(), {sphere.centre.x, sphere.centre.y, sphere.centre.z});
         positive.insert(positive.end(), {double(sphere.values.Radius), double(sphere.values.Ruggedness)});
     }
+    for (const PlannedCoupling& coupling : result.plan.couplings) {
+        finite.insert(finite.end(), {coupling.place.x, coupling.place.y, coupling.place.z, double(coupling.Ruggedness)});
+    }
     return std::all_of(positive.begin(), positive.end(), [](double v) { return std::isfinite(v) && v > 0.0; }) &&
            std::all_of(finite.begin(), finite.end(), [](double v) { return std::isfinite(v); });
+}
+
+/// The tongue comes first, as it does in a garage's trailers.
+void PlanCouplings(const WizardOptions& options, const Layout& layout, WizardResult& result) {
+    const float ruggedness = CouplingRuggedness(result.plan.chassis.Mass);
+    const auto add = [&](const std::optional<DPoint3>& place, bool isHitch) {
+        if (!place) return;
+        const double radius = 0.25 * layout.wheels.front().radius * layout.unitScale;
+        result.plan.couplings.push_back({isHitch, SeenFrom(*place, layout.frame, layout.unitScale), float(radius), ruggedness});
+    };
+    add(options.tongue, false);
+    add(options.hitch, true);
 }
 
 /// Says of each part what it hangs under, and of each face where a part holds several wheels.
@@ -125,6 +140,11 @@ void TellParts(const CarModel& model, WizardResult& result) {
 
 }  // namespace
 
+float CouplingRuggedness(float mass) {
+    // 5 Hz: it holds a trailer within a finger's breadth, and is soft for any step.
+    return 1000.0f * mass;
+}
+
 bool PlanRig(const CarModel& model, const WizardOptions& options, WizardResult& result, std::string& problem) {
     WizardResult made;
     std::vector<FoundWheel> wheels;
@@ -145,14 +165,13 @@ bool PlanRig(const CarModel& model, const WizardOptions& options, WizardResult& 
     made.scale = layout.scale;
     PlanSprings(options, layout, made);
     made.plan.spheres = FitSpheres(layout, double(made.plan.chassis.Mass), options.stepSeconds);
+    PlanCouplings(options, layout, made);
     if (!IsSound(made)) {
         problem = "the sizes and masses of this model are too large or too small to plan with; check its unit and the options.";
         return false;
     }
     AssignParts(model, layout.wheels, made);
     TellParts(model, made);
-    if (options.hitch) made.hitch = SeenFrom(*options.hitch, layout.frame, layout.unitScale);
-    if (options.tongue) made.tongue = SeenFrom(*options.tongue, layout.frame, layout.unitScale);
     result = std::move(made);
     return true;
 }

@@ -36,7 +36,9 @@ struct WizardOptions {
     std::optional<double> dampingRatio;
     std::optional<std::vector<int>> steeredAxles, drivenAxles, handbrakeAxles;
     std::optional<bool> bike;
-    std::optional<DPoint3> hitch, tongue;  // couplings, in the model's space
+    std::optional<DPoint3> hitch, tongue;  // couplings, in the model's space; with a tongue it is towed
+    double towedMass = 0.0;                // of what hangs behind, kg
+    double leastMassScale = 1.0;           // vehicles that are coupled need one unit of mass
     double stepSeconds = 1.0 / 4500.0;     // of the solver, for which nothing may be too stiff
     double gravity = 980.0;                // scene units / s^2
     double unitsPerMetre = 100.0;          // of the scene
@@ -86,7 +88,6 @@ struct WizardResult {
     std::vector<RiggedPart> parts;
     std::vector<PartSplit> splits;
     std::vector<RiggedWheel> wheels;
-    std::optional<DPoint3> hitch, tongue;  // in chassis space, scene units
     DriveAdvice advice;
     std::vector<Decision> decisions;
 };
@@ -99,5 +100,8 @@ struct WizardResult {
 /// The same model and options give the same plan, and a model that is turned about the vertical, moved, or written in another
 /// unit gives the same plan too, up to rounding.
 bool PlanRig(const CarModel& model, const WizardOptions& options, WizardResult& result, std::string& problem);
+
+/// How stiff a coupling is when the lighter of its two vehicles has this mass.
+float CouplingRuggedness(float mass);
 
 }  // namespace tavrik

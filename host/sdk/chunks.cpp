@@ -54,6 +54,8 @@ class ChunkReader final : public ILoad {
     IOResult CloseChunk() override {
         if (!open_) return IO_ERROR;
         open_ = false;
+        const Chunk& chunk = chunks_[next_ - 1];
+        if (at_ > 0 && at_ < chunk.bytes.size()) load_.partlyRead_ = chunk.id;
         return IO_OK;
     }
     IOResult Read(void* buf, ULONG bytes, ULONG* read) override {
@@ -88,6 +90,7 @@ SceneLoad::~SceneLoad() {
 }
 
 bool SceneLoad::LoadChunks(ReferenceMaker& thing, std::span<const Chunk> chunks) {
+    partlyRead_.reset();
     ChunkReader reader(*this, chunks);
     return thing.Load(&reader) != IO_ERROR;
 }

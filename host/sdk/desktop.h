@@ -17,7 +17,7 @@ struct Desktop {
     WindowLayer* windows = nullptr;
     Devices* devices = nullptr;
     FileStore* controls = nullptr;   // the key bindings
-    TargetDriver* driver = nullptr;  // drives in place of the scene's own target; null: nobody does
+    TargetDriver* driver = nullptr;  // drives in place of the scene's own target; null: that one drives
     std::uint64_t seed = 1;          // of the random numbers of the runs to come
     bool stopAtBadNumbers = false;   // end a run, and its recording, before the first sample that isn't finite
     std::string complaint;           // why a plug-in refused data or ended a run, one sentence; whoever reads it clears it

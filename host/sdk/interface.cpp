@@ -3,6 +3,7 @@
 
 #include "host/sdk/max.h"
 #include "host/sdk/panel_pages.h"
+#include "host/sdk/pick_mode_state.h"
 #include "host/sdk/scene.h"
 #include "host/sdk/standin.h"
 
@@ -56,6 +57,10 @@ class HostInterface final : public Interface {
     void DeleteRollupPage(HWND page) override { DeletePage(page); }
     void RegisterDlgWnd(HWND window) override { RegisterPage(window); }
     int UnRegisterDlgWnd(HWND window) override { return UnregisterPage(window); }
+    void SetPickMode(PickModeCallback* mode) override { SetMode(mode); }
+    void ClearPickMode() override { SetMode(nullptr); }
+    PickModeCallback* GetCurPickMode() override { return CurrentMode(); }
+    INode* PickNode(HWND, IPoint2, PickNodeCallback* filt) override { return NodeUnderMouse(filt); }
 };
 
 }  // namespace

@@ -11,6 +11,9 @@ class IParamMap2;
 class ParamMap2UserDlgProc;
 class PBValidator;
 class ParamBlockDesc2;
+class Texmap;
+class IMtlParams;
+class IAutoMParamDlg;
 
 enum ParamType2 : int {
     TYPE_FLOAT = 0,
@@ -106,6 +109,9 @@ class ClassDesc2 : public ClassDesc {
     virtual void BeginEditParams(IObjParam* ip, ReferenceMaker* obj, ULONG flags, Animatable* prev);
     virtual void EndEditParams(IObjParam* ip, ReferenceMaker* obj, ULONG flags, Animatable* next);
 
+    /// Opens a map's rollouts in the material editor. They close when what is returned is deleted, which is before the map is.
+    virtual IAutoMParamDlg* CreateParamDlgs(HWND hwMtlEdit, IMtlParams* imp, ReferenceTarget* obj);
+
     const std::vector<ParamBlockDesc2*>& Blocks() const { return blocks_; }
 
  private:
@@ -165,6 +171,7 @@ class IParamBlock2 : public ReferenceTarget {
     virtual BOOL GetValue(ParamID id, TimeValue t, int& v, Interval& valid, int tabIndex = 0) = 0;
     virtual BOOL GetValue(ParamID id, TimeValue t, Matrix3& v, Interval& valid, int tabIndex = 0) = 0;
     virtual BOOL GetValue(ParamID id, TimeValue t, INode*& v, Interval& valid, int tabIndex = 0) = 0;
+    virtual BOOL GetValue(ParamID id, TimeValue t, Texmap*& v, Interval& valid, int tabIndex = 0) = 0;
     virtual BOOL GetValue(ParamID id, TimeValue t, ReferenceTarget*& v, Interval& valid, int tabIndex = 0) = 0;
 
     /// Each tells the dependents of the change. FALSE as above, and where a reference would close a loop; nothing changes then.
@@ -172,6 +179,7 @@ class IParamBlock2 : public ReferenceTarget {
     virtual BOOL SetValue(ParamID id, TimeValue t, int v, int tabIndex = 0) = 0;
     virtual BOOL SetValue(ParamID id, TimeValue t, Matrix3& v, int tabIndex = 0) = 0;
     virtual BOOL SetValue(ParamID id, TimeValue t, INode* v, int tabIndex = 0) = 0;
+    virtual BOOL SetValue(ParamID id, TimeValue t, Texmap* v, int tabIndex = 0) = 0;
     virtual BOOL SetValue(ParamID id, TimeValue t, ReferenceTarget* v, int tabIndex = 0) = 0;
 
     virtual float GetFloat(ParamID id, TimeValue t = 0, int tabIndex = 0) = 0;

@@ -2,6 +2,7 @@
 /// All of the host that plug-ins commonly use.
 
 #include "box3.h"
+#include "color.h"
 #include "control.h"
 #include "custcont.h"
 #include "inode.h"
@@ -14,8 +15,11 @@
 #include "mouseman.h"
 #include "notify.h"
 #include "object.h"
+#include "pickmode.h"
 #include "plugapi.h"
 #include "point3.h"
+#include "polyshp.h"
 #include "ref.h"
+#include "splshape.h"
 #include "triobj.h"
 #include "units.h"

@@ -7,6 +7,8 @@ constexpr DWORD REDRAW_NORMAL = 0;
 constexpr int ROLLUP_CAT_STANDARD = 5000;
 
 class PickModeCallback;
+class PickNodeCallback;
+class IPoint2;
 
 class Interface {
  public:
@@ -32,6 +34,12 @@ class Interface {
     virtual void DeleteRollupPage(HWND page) = 0;
     virtual void RegisterDlgWnd(HWND window) = 0;
     virtual int UnRegisterDlgWnd(HWND window) = 0;
+    /// Gives the mouse to a mode; the one before it ends.
+    virtual void SetPickMode(PickModeCallback* mode) = 0;
+    virtual void ClearPickMode() = 0;
+    virtual PickModeCallback* GetCurPickMode() = 0;
+    /// The node at a place of a view, or null where there is none that `filt` lets through.
+    virtual INode* PickNode(HWND window, IPoint2 m, PickNodeCallback* filt = nullptr) = 0;
 };
 
 Interface* GetCOREInterface();

@@ -17,6 +17,8 @@ class ViewExp {
     virtual Point3 SnapPoint(const IPoint2& in, IPoint2& out, Matrix3* plane2d = nullptr, DWORD flags = 0) = 0;
     virtual void SnapPreview(const IPoint2& in, IPoint2& out, Matrix3* plane2d = nullptr, DWORD flags = 0) = 0;
     virtual bool IsAlive() const = 0;
+    /// The node nearest to the eye that was hit last, or null.
+    virtual INode* GetClosestHit() { return nullptr; }
 };
 
 class CreateMouseCallBack {

@@ -34,5 +34,7 @@ void CountInvalidate(const ParamBlockDesc2& desc);
 
 /// Spinners that somebody got and has not released.
 int HeldSpinners();
+/// Buttons likewise.
+int HeldButtons();
 
 }  // namespace tavrik_host

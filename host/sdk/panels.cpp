@@ -75,6 +75,7 @@ void TakeOut(const PanelWindow* page) {
     if (at == pages.end()) return;
     const OpenPage taken = std::move(*at);
     pages.erase(at);
+    SendMessageW(taken.window.get(), WM_DESTROY, 0, 0);
     if (taken.window->userProc != nullptr) taken.window->userProc->DeleteThis();
 }
 

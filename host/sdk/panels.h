@@ -22,6 +22,8 @@ class PanelWindow {
     std::vector<std::wstring> items;  // of a combo box
     int selected = -1;                // likewise
     std::intptr_t userData = 0;
+    bool isCheckButton = false, checked = false;  // of a button
+    COLORREF highlight = 0;                       // of a check button that is pressed
 
     // Of a page.
     int dialog = 0;                                        // template

@@ -100,6 +100,13 @@ BOOL ParamBlock::GetValue(ParamID id, TimeValue, INode*& v, Interval&, int tabIn
     return TRUE;
 }
 
+BOOL ParamBlock::GetValue(ParamID id, TimeValue, Texmap*& v, Interval&, int tabIndex) {
+    const Entry* entry = Find(id, tabIndex);
+    if (entry == nullptr || EntryType(*entry->def) != TYPE_TEXMAP) return FALSE;
+    v = static_cast<Texmap*>(std::get<ReferenceTarget*>(entry->value));
+    return TRUE;
+}
+
 BOOL ParamBlock::GetValue(ParamID id, TimeValue, ReferenceTarget*& v, Interval&, int tabIndex) {
     const Entry* entry = Find(id, tabIndex);
     if (entry == nullptr || (EntryType(*entry->def) != TYPE_REFTARG && EntryType(*entry->def) != TYPE_TEXMAP)) return FALSE;
@@ -131,6 +138,12 @@ BOOL ParamBlock::SetValue(ParamID id, TimeValue, INode* v, int tabIndex) {
     }
     NotifyChange();
     return TRUE;
+}
+
+BOOL ParamBlock::SetValue(ParamID id, TimeValue t, Texmap* v, int tabIndex) {
+    const Entry* entry = Find(id, tabIndex);
+    if (entry == nullptr || EntryType(*entry->def) != TYPE_TEXMAP) return FALSE;
+    return SetValue(id, t, static_cast<ReferenceTarget*>(v), tabIndex);
 }
 
 BOOL ParamBlock::SetValue(ParamID id, TimeValue, ReferenceTarget* v, int tabIndex) {

@@ -40,11 +40,13 @@ class ParamBlock final : public IParamBlock2, private NodeWatcher {
     BOOL GetValue(ParamID id, TimeValue t, int& v, Interval& valid, int tabIndex = 0) override;
     BOOL GetValue(ParamID id, TimeValue t, Matrix3& v, Interval& valid, int tabIndex = 0) override;
     BOOL GetValue(ParamID id, TimeValue t, INode*& v, Interval& valid, int tabIndex = 0) override;
+    BOOL GetValue(ParamID id, TimeValue t, Texmap*& v, Interval& valid, int tabIndex = 0) override;
     BOOL GetValue(ParamID id, TimeValue t, ReferenceTarget*& v, Interval& valid, int tabIndex = 0) override;
     BOOL SetValue(ParamID id, TimeValue t, float v, int tabIndex = 0) override;
     BOOL SetValue(ParamID id, TimeValue t, int v, int tabIndex = 0) override;
     BOOL SetValue(ParamID id, TimeValue t, Matrix3& v, int tabIndex = 0) override;
     BOOL SetValue(ParamID id, TimeValue t, INode* v, int tabIndex = 0) override;
+    BOOL SetValue(ParamID id, TimeValue t, Texmap* v, int tabIndex = 0) override;
     BOOL SetValue(ParamID id, TimeValue t, ReferenceTarget* v, int tabIndex = 0) override;
     float GetFloat(ParamID id, TimeValue t = 0, int tabIndex = 0) override;
     int GetInt(ParamID id, TimeValue t = 0, int tabIndex = 0) override;

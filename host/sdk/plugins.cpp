@@ -6,6 +6,7 @@
 
 #include "host/sdk/prs_control.h"
 #include "host/sdk/standin.h"
+#include "host/sdk/texture_maps.h"
 
 namespace tavrik_host {
 
@@ -44,7 +45,7 @@ struct Registry {
     Registry() { OwnClasses(); }
     void OwnClasses() {
         static TriObjectDesc triObject;
-        classes = {&PrsControlClass(), &triObject};
+        classes = {&PrsControlClass(), &triObject, &BitmapMapClass(), &CheckerMapClass()};
         defaultController = &PrsControlClass();
     }
 };

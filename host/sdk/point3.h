@@ -33,6 +33,13 @@ inline Point3 Normalize(const Point3& a) {
     return length > 0.0f ? a / length : a;
 }
 
+class Point2 {
+ public:
+    float x, y;
+    Point2() = default;  // uninitialised
+    Point2(float x_, float y_) : x(x_), y(y_) {}
+};
+
 class IPoint2 {
  public:
     int x, y;

@@ -48,8 +48,9 @@ HostNode* Scene::AddNode(const std::wstring& name, INode* parent, ULONG handle) 
     }
     auto* const node = new HostNode(handle, name);
     byHandle_[handle] = node;
-    const auto place = std::find(nodes_.begin(), nodes_.end(), nullptr) - nodes_.begin();
+    const auto place = std::find(nodes_.begin() + std::ptrdiff_t(firstFree_), nodes_.end(), nullptr) - nodes_.begin();
     if (place == std::ptrdiff_t(nodes_.size())) nodes_.push_back(nullptr);
+    firstFree_ = std::size_t(place) + 1;
     ReplaceReference(int(place), node);
     node->ReplaceReference(HostNode::kController, NewDefaultMatrix3Controller());
     node->ReplaceReference(HostNode::kParent, parent == nullptr ? root_ : parent);
@@ -82,12 +83,16 @@ std::wstring Scene::UniqueName(const std::wstring& stem) {
 
 RefResult Scene::NotifyRefChanged(const Interval&, RefTargetHandle hTarget, PartID&, RefMessage message, BOOL) {
     if (message != REFMSG_TARGET_DELETED) return REF_SUCCEED;
-    std::erase_if(selection, [&](INode* node) { return node == hTarget; });
-    std::erase_if(byHandle_, [&](const auto& entry) { return entry.second == hTarget; });
+    auto* const node = static_cast<HostNode*>(hTarget);  // whatever the scene holds is one, and still whole
+    std::erase(selection, node);
+    byHandle_.erase(node->GetHandle());
     return REF_SUCCEED;
 }
 
-void Scene::SetReference(int i, RefTargetHandle target) { nodes_[std::size_t(i)] = static_cast<HostNode*>(target); }
+void Scene::SetReference(int i, RefTargetHandle target) {
+    nodes_[std::size_t(i)] = static_cast<HostNode*>(target);
+    if (target == nullptr) firstFree_ = std::min(firstFree_, std::size_t(i));
+}
 
 void ResetScene() {
     Scene& scene = TheScene();

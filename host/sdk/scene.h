@@ -1,6 +1,7 @@
 #pragma once
 /// The scene behind the host's interface.
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -48,6 +49,7 @@ class Scene final : public ReferenceMaker, public SceneSettings {
 
  private:
     std::vector<HostNode*> nodes_;  // null: a free place
+    std::size_t firstFree_ = 0;     // no place before it is free
     std::map<ULONG, HostNode*> byHandle_;
     HostNode* root_ = nullptr;
 };

@@ -3,6 +3,7 @@
 /// scene to a process, and all of it on one thread.
 
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -73,11 +74,14 @@ class SceneLoad {
     ~SceneLoad();
     /// @return false when the thing refused its data
     bool LoadChunks(ReferenceMaker& thing, std::span<const Chunk> chunks);
+    /// The last chunk of that thing which goes on behind what was read of it; it is longer than its class knows.
+    std::optional<USHORT> PartlyRead() const { return partlyRead_; }
     void RunCallbacks();
 
  private:
     friend class ChunkReader;
     std::vector<PostLoadCallback*> callbacks_;
+    std::optional<USHORT> partlyRead_;
 };
 
 /// How often views were asked to redraw since the start of the process.

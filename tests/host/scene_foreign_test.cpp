@@ -147,6 +147,46 @@ TEST_F(ForeignScene, KeepsMorphAnimation) {
     EXPECT_EQ(BytesOfAccessor(json, BinaryOf(saved), walk["samplers"][0]["output"]), Floats({0, 1}));
 }
 
+/// Moves a node between seconds 1 and 2.
+std::string LateModel() {
+    return Glb(R"({"asset":{"version":"2.0"},"nodes":[{}],
+"animations":[{"samplers":[{"input":0,"output":1}],"channels":[{"sampler":0,"target":{"node":0,"path":"translation"}}]}],
+"accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"SCALAR"},{"bufferView":1,"componentType":5126,"count":2,"type":"VEC3"}],
+"bufferViews":[{"buffer":0,"byteLength":8},{"buffer":0,"byteOffset":8,"byteLength":24}],"buffers":[{"byteLength":32}]})",
+               Floats({1, 2}) + Floats({0, 0, 0, 1, 0, 0}));
+}
+
+std::vector<TimeValue> KeyTicksOfFirstNode() {
+    std::vector<TimeValue> ticks;
+    for (const auto& key : dynamic_cast<PrsControl&>(*AllNodes()[0]->GetTMController()).position.keys)
+        ticks.push_back(key.tick);
+    return ticks;
+}
+
+TEST_F(ForeignScene, MovesAtTheSameTicksHoweverOftenItIsBaked) {
+    SceneDocument document = LoadedScene(LateModel());
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(KeyTicksOfFirstNode(), (std::vector<TimeValue>{4800, 9600})) << i;
+        std::string film, problem;
+        ASSERT_TRUE(MakeFilmFile(document, BakedKeys::EverySample, film, problem)) << problem;
+        document = LoadedScene(film);
+    }
+}
+
+TEST_F(ForeignScene, MovesInStepWithItsMorphs) {
+    const SceneDocument document = LoadedScene(Model());
+    for (INode* node : AllNodes()) {
+        auto& control = dynamic_cast<PrsControl&>(*node->GetTMController());
+        for (auto& key : control.position.keys) key.tick += 4800;
+        for (auto& key : control.rotation.keys) key.tick += 4800;
+    }
+    const SceneJson json = JsonOf(SavedScene(document));
+    ASSERT_EQ(json["animations"].size(), 2u);
+    const SceneJson& input = json["animations"][1]["samplers"][0]["input"];
+    EXPECT_EQ(json["accessors"][input.get<std::size_t>()]["min"], SceneJson::array({1.0}));
+    EXPECT_EQ(json["scenes"][0]["extras"]["firstKeyTick"], 0);
+}
+
 TEST_F(ForeignScene, GetsKeysThatMoveItsNodes) {
     LoadedScene(Model());
     auto& joint = dynamic_cast<PrsControl&>(*GetCOREInterface()->GetINodeByHandle(2)->GetTMController());

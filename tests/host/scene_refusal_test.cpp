@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "host/sdk/desktop.h"
 #include "tests/host/mesh_bytes.h"
@@ -189,6 +190,38 @@ TEST_F(SceneFileRefuses, NodesThatHangBelowTwoOrBelowThemselves) {
               "a child of node 0 is 8, but the file has 4 nodes.");
 }
 
+TEST_F(SceneFileRefuses, NumbersThatPointAtNothing) {
+    const auto said = [](const char* key, const SceneJson& value) {
+        return Said([&](SceneJson& file, SceneJson&) { file["nodes"][0][key] = value; });
+    };
+    EXPECT_EQ(said("skin", "x"), "\"skin\" of node 0 is not a whole number from 0 on.");
+    EXPECT_EQ(said("skin", 99), "\"skin\" of node 0 is 99, but the file has 0 skins.");
+    EXPECT_EQ(said("camera", 0), "\"camera\" of node 0 is 0, but the file has 0 cameras.");
+    EXPECT_EQ(said("mesh", 7), "\"mesh\" of node 0 is 7, but the file has 1 meshes.");
+    EXPECT_EQ(Said([](SceneJson& file, SceneJson&) { file["meshes"][0]["primitives"][0]["material"] = 9; }),
+              "\"material\" of mesh 0 is 9, but the file has 1 materials.");
+    EXPECT_EQ(Said([](SceneJson& file, SceneJson&) {
+                  file["textures"] = SceneJson::array({{{"source", 3}}});
+              }),
+              "\"source\" of texture 0 is 3, but the file has 0 images.");
+    EXPECT_EQ(Said([](SceneJson& file, SceneJson&) {
+                  file["materials"] = SceneJson::array({{{"normalTexture", {{"index", 0}}}}});
+              }),
+              "\"index\" of \"normalTexture\" of material 0 is 0, but the file has 0 textures.");
+    EXPECT_EQ(Said([](SceneJson& file, SceneJson&) { file["cameras"] = "x"; }), "\"cameras\" of the file is not a list.");
+}
+
+TEST_F(SceneFileRefuses, ChunksThatGoOnBehindWhatTheirClassReads) {
+    ResetScene();
+    auto* const thing = static_cast<Object*>(MakeThing(kThingClass, HELPER_CLASS_ID));
+    CreateNode(thing, L"thing");
+    const Chunk chunk{20, "short, "};
+    SceneLoad load;
+    ASSERT_TRUE(load.LoadChunks(*thing, {&chunk, 1}));
+    EXPECT_EQ(SceneRefusal(SavedScene({})),
+              "chunk 20 of object 0 (TestThing) is longer than what it tells of; take the scene from a backup.");
+}
+
 TEST_F(SceneFileRefuses, ChainsOfNodesWithoutEnd) {
     SceneDocument document;
     std::string problem;
@@ -223,9 +256,10 @@ TEST_F(SceneFileRefuses, EveryTruncation) {
     for (std::size_t length = 0; length < bytes.size(); ++length) SceneRefusal(bytes.substr(0, length));
 }
 
-TEST_F(SceneFileRefuses, OrTakesEveryFlippedBit) {
-    const std::string good = Rich();
-    int taken = 0, refused = 0;
+/// Loads the file with each of its bits flipped in turn: taken, or refused in one sentence with the scene as it was.
+/// @return how many were taken
+int TakenWithAFlippedBit(const std::string& good) {
+    int taken = 0;
     for (std::size_t i = 0; i < good.size() * 8; ++i) {
         std::string bytes = good;
         bytes[i / 8] = char(bytes[i / 8] ^ (1 << i % 8));
@@ -238,14 +272,30 @@ TEST_F(SceneFileRefuses, OrTakesEveryFlippedBit) {
             ++taken;
             continue;
         }
-        ++refused;
-        ASSERT_TRUE(problem.starts_with("a.glb: ") && problem.ends_with(".")) << problem;
-        ASSERT_EQ(problem.find('\n'), std::string::npos) << problem;
-        ASSERT_EQ(AllNodes().size(), 1u) << i;
-        ASSERT_EQ(AllNodes()[0]->GetHandle(), 7u);
+        EXPECT_TRUE(problem.starts_with("a.glb: ") && problem.ends_with(".")) << problem;
+        EXPECT_EQ(problem.find('\n'), std::string::npos) << problem;
+        EXPECT_TRUE(AllNodes().size() == 1 && AllNodes()[0]->GetHandle() == 7) << i;
     }
+    return taken;
+}
+
+TEST_F(SceneFileRefuses, AFlippedBitWhereverItIs) {
+    // Left are those that hit the name of the check sum itself, and nothing else.
+    constexpr int kNameBits = 8 * int(std::string_view("{\"fileCrc32\":\"").size());
+    EXPECT_LE(TakenWithAFlippedBit(Rich()), kNameBits);
+}
+
+TEST_F(SceneFileRefuses, OrTakesEveryFlippedBitWhereThereIsNoCheckSum) {
+    const std::string bare = Edited(Rich(), [](SceneJson&) {});
+    const int taken = TakenWithAFlippedBit(bare), refused = int(bare.size()) * 8 - taken;
     EXPECT_GT(taken, 100);
     EXPECT_GT(refused, 1000);
+}
+
+TEST_F(SceneFileRefuses, NothingThatAnotherProgramHasWrittenAnew) {
+    const SceneJson json = JsonOf(Rich());
+    const std::string rewritten = tavrik::test::Glb(json.dump(1), BinaryOf(Rich()));
+    EXPECT_EQ(LoadedScene(rewritten).nodeParts.size(), LoadedScene(Rich()).nodeParts.size());
 }
 
 }  // namespace

@@ -61,6 +61,7 @@ class Thing final : public WithBlock<HelperObject> {
         save->BeginChunk(20);
         ULONG done = 0;
         save->Write(data_.data(), ULONG(data_.size()), &done);
+        if (ReadsTooLittle()) save->Write("and more", 8, &done);
         save->EndChunk();
         return IO_OK;
     }
@@ -71,7 +72,7 @@ class Thing final : public WithBlock<HelperObject> {
             do {
                 load->Read(buffer, sizeof buffer, &got);
                 data_.append(buffer, got);
-            } while (got == sizeof buffer);
+            } while (got == sizeof buffer && !ReadsTooLittle());
             load->CloseChunk();
         }
         load->RegisterPostLoadCallback(new Callback(callbackCalls));
@@ -82,6 +83,8 @@ class Thing final : public WithBlock<HelperObject> {
     void SetData(const char* bytes, std::size_t size) { data_.assign(bytes, size); }
 
  private:
+    bool ReadsTooLittle() const { return data_ == "short, "; }
+
     Class_ID id_;
     const wchar_t* name_;
     std::string data_;
@@ -92,6 +95,12 @@ class Map final : public WithBlock<Texmap> {
     explicit Map(ClassDesc2& desc) { desc.MakeAutoParamBlocks(this); }
     Class_ID ClassID() override { return kMapClass; }
     void GetClassName(MSTR& s) override { s = L"TestMap"; }
+    AColor EvalColor(ShadeContext&) override { return {}; }
+    Point3 EvalNormalPerturb(ShadeContext&) override { return {0, 0, 0}; }
+    void Update(TimeValue, Interval&) override {}
+    void Reset() override {}
+    Interval Validity(TimeValue) override { return FOREVER; }
+    ParamDlg* CreateParamDlg(HWND, IMtlParams*) override { return nullptr; }
 };
 
 /// Moves its node by what it wraps.

@@ -23,6 +23,10 @@ PlainNode::PlainNode(PlainScene& scene, std::string nodeName, ObjectClass object
 
 float PlainNode::GetFloat(std::int32_t param, std::int32_t entry) const { return floats.at(param).at(std::size_t(entry)); }
 std::int32_t PlainNode::GetInt(std::int32_t param) const { return ints.at(param); }
+SceneNode* PlainNode::GetNode(std::int32_t param) const {
+    const auto found = nodes.find(param);
+    return found != nodes.end() ? found->second : nullptr;
+}
 Matrix3 PlainNode::GetObjectTM() const { return ShownAt(0); }
 
 Matrix3 PlainNode::ShownAt(TimeValue tick) const {
@@ -82,6 +86,7 @@ PlainNode& PlainScene::Copy(const PlainNode& node) {
     copy.own = node.own;
     copy.floats = node.floats;
     copy.ints = node.ints;
+    copy.nodes = node.nodes;
     copy.hasControl = node.hasControl;
     copy.control = node.control;
     return copy;

@@ -22,7 +22,7 @@ class PlainNode final : public SceneNode {
     ObjectClass Class() const override { return objectClass_; }
     float GetFloat(std::int32_t param, std::int32_t entry) const override;
     std::int32_t GetInt(std::int32_t param) const override;
-    SceneNode* GetNode(std::int32_t) const override { return nullptr; }
+    SceneNode* GetNode(std::int32_t param) const override;
     CarRig* Rig() const override { return rig.get(); }
     Matrix3 GetObjectTM() const override;
     std::int32_t NumberOfChildren() const override { return std::int32_t(children.size()); }
@@ -45,6 +45,7 @@ class PlainNode final : public SceneNode {
     Matrix3 own;  // what the controller below ours answers, in world space
     std::map<std::int32_t, std::vector<float>> floats;
     std::map<std::int32_t, std::int32_t> ints;
+    std::map<std::int32_t, SceneNode*> nodes;
     std::vector<PlainNode*> children;
     std::shared_ptr<CarRig> rig;  // of a master; instances share it
     std::uint32_t handle = 0;

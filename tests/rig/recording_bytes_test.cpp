@@ -256,6 +256,19 @@ TEST(RecordingBytes, ALoadedRecordingGoesOnGrowingByFiveHundred) {
     EXPECT_EQ(SaveRecording(motion).size(), 16u + 502u * (164u + 152u));
 }
 
+TEST(RecordingBytes, TheTicksAloneAreThoseOfTheRecording) {
+    TestRandom random(test::TestSeed(87));
+    const auto rig = test::RandomRun(random, 12, 0, 32);
+    const std::string image = SaveRecording(rig->motion);
+    std::vector<TimeValue> times;
+    std::string problem;
+    ASSERT_TRUE(LoadRecordedTimes(image, times, problem)) << problem;
+    EXPECT_EQ(rig->motion.times, times);
+    EXPECT_FALSE(LoadRecordedTimes(image.substr(1), times, problem));
+    ASSERT_TRUE(LoadRecordedTimes(std::string(4, '\0'), times, problem)) << problem;
+    EXPECT_TRUE(times.empty());
+}
+
 TEST(RecordingBytes, LoadingOverALiveRecordingReleasesThatFirst) {
     RecordedMotion motion = SomeMotion();  // four wheels
     std::string problem;

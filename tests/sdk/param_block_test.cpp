@@ -30,6 +30,12 @@ class TestMap final : public Texmap {
         BaseClone(this, copy, remap);
         return copy;
     }
+    AColor EvalColor(ShadeContext&) override { return {}; }
+    Point3 EvalNormalPerturb(ShadeContext&) override { return {0, 0, 0}; }
+    void Update(TimeValue, Interval&) override {}
+    void Reset() override {}
+    Interval Validity(TimeValue) override { return FOREVER; }
+    ParamDlg* CreateParamDlg(HWND, IMtlParams*) override { return nullptr; }
 
  private:
     int* deaths_;

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 
+#include "rig/stock_car.h"
 #include "solver/world_step.h"
 #include "tests/solver/solver_scene.h"
 #include "tests/wizard/model_cars.h"
@@ -123,6 +124,45 @@ TEST(PlannedCar, SwingsAtTheFrequencyThatItWasPlannedFor) {
     EXPECT_NEAR(1.0 / (crossings[1] - crossings[0]), 1.5, 0.12);  // tyres give way too, which makes it a little slower
 }
 
+/// How fast a car is after four seconds of full throttle.
+double SpeedAfterFullThrottle(const CarPlan& plan, double throttleSensitivity, bool isBike) {
+    auto rig = std::make_unique<CarRig>();
+    MakePlannedCar(plan, FrameAt({0, 0, plan.standingHeight}), *rig);
+    DriveInput input = StockInput();
+    input.throttleSensitivity = float(throttleSensitivity);
+    input.throttle = 4.0f;
+    input.bikeDrive = isBike ? 1 : 0;
+    input.balanceForce = 4.0f;
+    DriveAlone(*rig, FlatGround(), input, 4.0);
+    return Speed(*rig);
+}
+
+TEST(PlannedCar, PullsAwayAsTheStockCarDoes) {
+    // The stock car's own setting.
+    const double stock = SpeedAfterFullThrottle(StockCarPlan(), 5000.0, false);
+    ASSERT_GT(stock, 1000.0);
+    WizardOptions heavy, lightWheels, heavyWheels, allDriven, frontDriven;
+    heavy.mass = 4000.0;
+    lightWheels.wheelMass = 5.0;
+    heavyWheels.wheelMass = 60.0;
+    allDriven.drivenAxles = std::vector<int>{1, 2};
+    frontDriven.drivenAxles = std::vector<int>{1};
+    struct Case {
+        const char* name;
+        CarModel model;
+        WizardOptions options;
+    };
+    for (const Case& c : {Case{"saloon", Saloon(), {}}, Case{"heavy", Saloon(), heavy},
+                          Case{"light wheels", Saloon(), lightWheels}, Case{"heavy wheels", Saloon(), heavyWheels},
+                          Case{"all driven", Saloon(), allDriven}, Case{"front driven", Saloon(), frontDriven},
+                          Case{"three axles", Lorry(3), {}}, Case{"motorcycle", Motorcycle(), {}}}) {
+        const WizardResult result = Planned(c.model, c.options);
+        const double speed =
+            SpeedAfterFullThrottle(result.plan, double(result.advice.throttleSensitivity), result.advice.bikeDrive);
+        EXPECT_NEAR(speed / stock, 1.0, 0.2) << c.name;  // measured 0.9 to 1.15
+    }
+}
+
 TEST(PlannedCar, DrivesOffStraightAhead) {
     const WizardResult result = Planned(Saloon());
     auto rig = std::make_unique<CarRig>();
@@ -148,6 +188,31 @@ TEST(PlannedBike, StaysUpWhileItIsDriven) {
     ASSERT_TRUE(IsFinite(*rig));
     EXPECT_GT(rig->chassisBody.frame.row[2].z, 0.95);
     EXPECT_GT(Speed(*rig), 250.0);
+}
+
+TEST(PlannedBike, LeansIntoItsTurnsHoweverBroadItsTyresAreDrawn) {
+    for (const double side : {1.0, -1.0}) {
+        CarModel model = Motorcycle();
+        for (ModelPart& part : model.parts) {
+            // Twice as broad about the wheel's own axle.
+            if (part.name.find("wheel") != std::string::npos) part.frame.row[0] = part.frame.row[0] * 2.0;
+        }
+        const WizardResult result = Planned(model);
+        auto rig = std::make_unique<CarRig>();
+        MakePlannedCar(result.plan, FrameAt({0, 0, result.plan.standingHeight}), *rig);
+        DriveInput input = StockInput();
+        input.bikeDrive = 1;
+        input.balanceForce = result.advice.balanceForce;
+        input.throttleSensitivity = result.advice.throttleSensitivity;
+        input.throttle = 2.0f;
+        input.steerTarget = float(side * 0.33);
+        DriveAlone(*rig, FlatGround(), input, 4.0);
+        ASSERT_TRUE(IsFinite(*rig));
+        const DMatrix3& frame = rig->chassisBody.frame;
+        EXPECT_GT(frame.row[1].x * side, 0.1);   // turned
+        EXPECT_LT(frame.row[0].z * side, -0.1);  // and leans to the same side
+        EXPECT_GT(frame.row[2].z, 0.85);
+    }
 }
 
 TEST(PlannedCar, LiesOnItsBallsUpsideDown) {

@@ -392,8 +392,9 @@ TEST(PlanRig, BuildsACarFromPlacedParts) {
     ExpectSamePlan(Planned(Saloon()), result);
     options.hitch = DPoint3{0, -2.2, 0.5};
     const WizardResult hitched = Planned(kit, options);
-    ASSERT_TRUE(hitched.hitch.has_value());
-    EXPECT_NEAR(hitched.hitch->y, (-2.2 - hitched.frame.row[3].y) * 100.0, 1e-6);
+    ASSERT_EQ(hitched.plan.couplings.size(), 1u);
+    EXPECT_TRUE(hitched.plan.couplings[0].isHitch);
+    EXPECT_NEAR(hitched.plan.couplings[0].place.y, (-2.2 - hitched.frame.row[3].y) * 100.0, 1e-6);
 }
 
 TEST(PlanRig, RigsTheCarBelowTheChosenRoot) {
