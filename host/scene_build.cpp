@@ -28,8 +28,11 @@ ReferenceTarget* MakeMesh(const ThingRecord& record, GltfNumbers& numbers, doubl
 }
 
 ReferenceTarget* MakeSpline(const ThingRecord& record, GltfNumbers& numbers, double metresPerUnit) {
+    // Read first: what is refused then leaves no object behind.
+    decltype(LineShape::lines) lines;
+    if (record.mesh != kNone) lines = numbers.ReadLines(std::size_t(record.mesh), metresPerUnit);
     auto* const object = new LineShape;
-    if (record.mesh != kNone) object->lines = numbers.ReadLines(std::size_t(record.mesh), metresPerUnit);
+    object->lines = std::move(lines);
     return object;
 }
 

@@ -79,7 +79,9 @@ bool Holds(const AssemblyReport& report, const SceneNode* node) {
 /// Several boxes may leave the same node out: it is told once, and not at all if one of them has it.
 void TellLeftOut(DoctorNotes& notes, const std::vector<ExaminedCar>& cars, const ExaminedCar& car) {
     for (const LeftOut& record : car.report.leftOut) {
-        const auto [severity, kind] = KindOf(record.reason);
+        const auto kindOf = KindOf(record.reason);
+        const Severity severity = kindOf.first;
+        const FindingKind kind = kindOf.second;
         if (kind == FindingKind::OutsideBox) {
             const auto holds = [&](const ExaminedCar& one) { return Holds(one.report, record.node); };
             const auto told = [&](const Finding& f) { return f.kind == kind && f.node == record.node; };

@@ -1,6 +1,7 @@
 #pragma once
 /// A stretch of a wheel's way: the tyre swept from one frame to another.
 
+#include <cstddef>
 #include <cstdint>
 
 #include "rig/ticks.h"
@@ -39,6 +40,7 @@ struct alignas(64) TrackSegment {
     static constexpr std::uint32_t kNotStored = 0xffffffffu;  // nowhere: they are worked out when they are asked for
 };
 static_assert(sizeof(TrackSegment) == 192);
+static_assert(offsetof(TrackSegment, startFrame) + 2 * sizeof(Point3) == 64 && offsetof(TrackSegment, endFrame) <= 128);
 
 /// What `Init` found.
 enum class SegmentResult { Good, NotFinite, TooLong };

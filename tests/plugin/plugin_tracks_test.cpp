@@ -24,14 +24,25 @@ class KnownMap final : public Texmap {
  public:
     float value = 0.5f;
     int updates = 0, fileLoads = 0, asked = 0;
+    std::vector<Point3> places;  // of the first questions
+    bool placeIsNowhere = true;  // everything but the place in the map is neutral
     Interval updateValid;
     Texmap* inner = nullptr;
 
     Class_ID ClassID() override { return {77, 1}; }
     AColor EvalColor(ShadeContext&) override { return {}; }
-    float EvalMono(ShadeContext&) override {
-        ++asked;
+    float EvalMono(ShadeContext& sc) override {
+        if (asked++ < 2050) places.push_back(sc.UVW(0));
+        if (asked == 1) LookAround(sc);
         return value;
+    }
+    void LookAround(ShadeContext& sc) {
+        const Point3 nothing(0, 0, 0), somewhere(1, 2, 3);
+        const Point3 noughts[] = {sc.DUVW(0), sc.P(), sc.V(), sc.CamPos(), sc.Normal()};
+        for (const Point3& nought : noughts) placeIsNowhere = placeIsNowhere && nought == nothing;
+        placeIsNowhere = placeIsNowhere && sc.CurTime() == 0 && sc.Node() == nullptr && sc.nLights == 0 &&
+                         sc.Light(0) == nullptr && sc.EvalEnvironMap(nullptr, nothing) == AColor(0, 0, 0, 1) &&
+                         sc.PointTo(somewhere, REF_WORLD) == somewhere && sc.PointFrom(somewhere, REF_OBJECT) == somewhere;
     }
     Point3 EvalNormalPerturb(ShadeContext&) override { return {0, 0, 0}; }
     void Update(TimeValue, Interval& valid) override {
@@ -319,6 +330,29 @@ TEST_F(PluginTracks, AtEachRenderEveryEntryOfATreadIsAskedOnce) {
     EXPECT_EQ(tread->updates, 1);
     EXPECT_EQ(tread->updateValid, Interval(TIME_NegInfinity, TIME_NegInfinity));
     EXPECT_EQ(tread->fileLoads, 1);
+}
+
+TEST_F(PluginTracks, ATreadIsAskedFromNowhereColumnByColumn) {
+    auto* const tread = new KnownMap;
+    ASSERT_TRUE(BlockOf(*car.wheels[1]).SetValue(kPatternMap, 0, static_cast<Texmap*>(tread)));
+    PreRender();
+    EXPECT_TRUE(tread->placeIsNowhere);
+    ASSERT_EQ(tread->places.size(), 2050u);
+    EXPECT_EQ(tread->places[0], Point3(0, 0, 0));
+    EXPECT_EQ(tread->places[1], Point3(0, 1.0f / 2047.0f, 0));
+    EXPECT_EQ(tread->places[2047], Point3(0, 1, 0));
+    EXPECT_EQ(tread->places[2048], Point3(1.0f / 511.0f, 0, 0));
+}
+
+TEST_F(PluginTracks, WithoutATreadMapARenderPaintsEvenlyAcrossTheTyre) {
+    LeaveTracks();
+    Update();
+    const float shoulder = ValueAt(OnTrack() + Point3(5, 0, 0));
+    PreRender();
+    Set(kBaseBump, 0.0f);
+    Update();
+    EXPECT_LT(ValueAt(OnTrack() + Point3(5, 0, 0)), shoulder);  // full weight up to the edge
+    EXPECT_EQ(LengthSquared(BumpAt(OnTrack())), 0.0f);
 }
 
 TEST_F(PluginTracks, MapsInTheSlotsOfATreadReadTheirFilesToo) {
