@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cli/drive_words.h"
+#include "cli/ground_words.h"
 #include "cli/rig_words.h"
 #include "cli/scene_words.h"
 #include "rig/component_values.h"
@@ -20,20 +21,9 @@ namespace tavrik {
 namespace {
 
 const std::map<std::string, KeyChoice> kKeyChoices = {{"samples", KeyChoice::EverySample}, {"frames", KeyChoice::EveryFrame}};
-const std::map<std::string, SampleGroundKind> kGroundKinds = {{"sample", SampleGroundKind::Course},
-                                                              {"hills", SampleGroundKind::Hills},
-                                                              {"kerb", SampleGroundKind::Kerb},
-                                                              {"plane", SampleGroundKind::Plane}};
 
 struct DriveFileWords {
     std::string out, telemetry, plot, keys = "samples";
-};
-
-struct GroundWords {
-    std::string kind, out;
-    double size = 300.0;
-    int triangles = 20'000;
-    std::uint64_t seed = 1;
 };
 
 struct HudWords {
@@ -89,29 +79,6 @@ bool MakeSceneDrive(const CLI::App& app, const DriveWords& words, const DriveFil
                            {{"--out", &order.out}}, problem);
 }
 
-bool MakeGroundOrder(const GroundWords& words, GroundOrder& order, std::string& problem) {
-    constexpr int kMostTriangles = 5'000'000;
-    constexpr double kLargestMetres = 20'000.0;
-    order.out = words.out;
-    order.ground.sizeMetres = words.size;
-    order.ground.triangles = words.triangles;
-    order.ground.seed = words.seed;
-    if (!Choose(kGroundKinds, words.kind, "KIND", order.ground.kind, problem)) return false;
-    if (!(words.size >= 10.0 && words.size <= kLargestMetres)) {
-        problem = fmt::format("--size takes metres from 10 to {:.0f}, not {}", kLargestMetres, words.size);
-        return false;
-    }
-    if (words.triangles < 2 || words.triangles > kMostTriangles) {
-        problem = fmt::format("--triangles takes a number from 2 to {}, not {}", kMostTriangles, words.triangles);
-        return false;
-    }
-    if (order.out.extension() != ".obj" && order.out.extension() != ".glb") {
-        problem = fmt::format("--out takes a name that ends in .obj or .glb, not \"{}\"", words.out);
-        return false;
-    }
-    return true;
-}
-
 bool CheckPicture(const std::filesystem::path& out, std::string& problem) {
     if (out.extension() == ".png") return true;
     problem = fmt::format("--out takes a name that ends in .png, not \"{}\"", out.string());
@@ -148,14 +115,6 @@ void AddDriveOptions(CLI::App& app, DriveWords& words, DriveFileWords& files, Sc
         "each holds until the next. Driver's events: seconds, key-down W | key-up W | mouse X Y | wheel -120 |\n"
         "pad LX 0.5 RT 1 | ...; all in docs/drive.md. The car stands on the topmost ground at its start; in a Y-up\n"
         "file x,y is x,-z. Files are written when the whole drive went well. Exit status: 1 bad input, 2 wrong usage.");
-}
-
-void AddGroundOptions(CLI::App& app, GroundWords& words) {
-    app.add_option("KIND", words.kind, "sample (hills with bumps and a jump), hills, kerb or plane")->type_name("")->required();
-    app.add_option("--out", words.out, "Mesh to write, .obj (metres, Z up) or .glb")->type_name("FILE")->required();
-    app.add_option("--size", words.size, "Metres along each side, default 300")->type_name("M");
-    app.add_option("--triangles", words.triangles, "About how many, default 20000")->type_name("N");
-    app.add_option("--seed", words.seed, "Of the hills, default 1")->type_name("N");
 }
 
 void AddControlsOptions(CLI::App& app, ControlsOrder& order) {
@@ -220,12 +179,15 @@ int TellUsage(std::string message, std::string_view command) {
 /// The words of all commands, and what they came to.
 struct Commands {
     CLI::App app{"Drives a car over a mesh and keeps the motion.", "tavrik"};
-    CLI::App *drive, *make, *garage, *rig, *info, *check, *settle, *bake, *reset, *ground, *controls, *hud, *stand;
+    CLI::App *drive, *make, *garage, *rig, *info, *check, *settle, *bake, *render, *tracks;
+    CLI::App *reset, *ground, *path, *controls, *hud, *stand;
     DriveWords driveWords, hudDriveWords, newWords, garageWords, rigDriveWords;
     RigWords rigWords;
     SceneWords driveScene, newScene, garageScene, infoScene, checkScene, settleScene, bakeScene, resetScene;
     DriveFileWords driveFiles;
     GroundWords groundWords;
+    PathWords pathWords;
+    PictureWords renderWords, tracksWords;
     ControlsOrder controlsOrder;
     HudWords hudWords;
     StandOrder standOrder;
@@ -242,8 +204,11 @@ struct Commands {
         check = app.add_subcommand("check", "Tell what will go wrong with the cars of a scene");
         settle = app.add_subcommand("settle", "Let a car come to rest on its ground, and start it from there");
         bake = app.add_subcommand("bake", "Write a scene's motion as plain glTF for other programs");
+        render = app.add_subcommand("render", "Take pictures of a scene, with tyre tracks");
+        tracks = app.add_subcommand("tracks", "Bake tyre tracks into pictures that lie on the ground");
         reset = app.add_subcommand("reset", "Unlock the cars of a scene");
         ground = app.add_subcommand("ground", "Make a ground to drive on");
+        path = app.add_subcommand("path", "Bring lines into a scene, for its car to follow");
         controls = app.add_subcommand("controls", "Show, set or reset the keys and buttons that drive");
         hud = app.add_subcommand("hud", "Paint the drive window as it looks at some second of a drive");
         stand = app.add_subcommand("stand", "Paint a damper on its running-in stand");
@@ -255,8 +220,11 @@ struct Commands {
         AddCheckOptions(*check, checkScene);
         AddSettleOptions(*settle, settleScene);
         AddBakeOptions(*bake, bakeScene);
+        AddRenderOptions(*render, renderWords);
+        AddTracksOptions(*tracks, tracksWords);
         AddResetOptions(*reset, resetScene);
         AddGroundOptions(*ground, groundWords);
+        AddPathOptions(*path, pathWords);
         AddControlsOptions(*controls, controlsOrder);
         AddHudOptions(*hud, hudDriveWords, hudWords);
         AddStandOptions(*stand, standOrder);
@@ -270,7 +238,7 @@ struct Commands {
     /// The command at hand, for messages.
     std::string Name() const {
         for (const CLI::App* command :
-             {make, garage, rig, drive, info, check, settle, bake, reset, ground, controls, hud, stand}) {
+             {make, garage, rig, drive, info, check, settle, bake, render, tracks, reset, ground, path, controls, hud, stand}) {
             if (command->parsed()) return command->get_name() + " ";
         }
         return "";
@@ -290,15 +258,22 @@ bool FillOrder(const Commands& commands, Order& order, std::string& problem) {
     if (commands.check->parsed()) return MakeCheckOrder(commands.checkScene, order.check.emplace(), problem);
     if (commands.settle->parsed()) return MakeSettleOrder(commands.settleScene, order.settle.emplace(), problem);
     if (commands.bake->parsed()) return MakeBakeOrder(commands.bakeScene, order.bake.emplace(), problem);
+    if (commands.render->parsed()) return MakeRenderOrder(commands.renderWords, order.render.emplace(), problem);
+    if (commands.tracks->parsed()) {
+        return MakeTracksOrder(*commands.tracks, commands.tracksWords, order.tracks.emplace(), problem);
+    }
     if (commands.reset->parsed()) return MakeResetOrder(commands.resetScene, order.reset.emplace(), problem);
     if (commands.drive->parsed() && !commands.driveScene.scene.empty()) {
         return MakeSceneDrive(*commands.drive, commands.driveWords, commands.driveFiles, commands.driveScene,
                               order.sceneDrive.emplace(), problem);
     }
     if (commands.drive->parsed()) {
-        return MakeDriveOrder(commands.driveWords, commands.driveFiles, order.drive.emplace(), problem);
+        return CheckNoFollowing(*commands.drive, problem) &&
+               MakeDriveOrder(commands.driveWords, commands.driveFiles, order.drive.emplace(), problem);
     }
-    if (commands.ground->parsed()) return MakeGroundOrder(commands.groundWords, order.ground.emplace(), problem);
+    if (commands.ground->parsed())
+        return MakeGroundOrder(*commands.ground, commands.groundWords, order.ground.emplace(), problem);
+    if (commands.path->parsed()) return MakePathOrder(commands.pathWords, order.path.emplace(), problem);
     if (commands.controls->parsed()) {
         order.controls = commands.controlsOrder;
         return true;

@@ -6,10 +6,13 @@
 #include <optional>
 #include <string>
 
+#include "cli/follow_words.h"
 #include "cli/prepared_drive.h"
+#include "cli/render_words.h"
 #include "cli/rig_order.h"
 #include "drive/damper_model.h"
 #include "host/drive_scene.h"
+#include "samples/road_ground.h"
 #include "samples/sample_ground.h"
 
 namespace tavrik {
@@ -28,8 +31,10 @@ struct SceneDriveOrder {
     std::filesystem::path scene, out, input, telemetry, plot;  // empty: in place, half throttle, not wanted
     std::string master;                                        // empty: the only one
     double seconds = 20.0;
+    bool hasSeconds = false;     // the user gave them
     std::optional<double> from;  // where to go on in the recording; none: a new drive from the start
     std::optional<std::uint64_t> seed;
+    std::optional<FollowOrder> follow;
 };
 
 /// `tavrik new`
@@ -81,7 +86,12 @@ struct ResetOrder {
 
 /// `tavrik ground`
 struct GroundOrder {
-    SampleGround ground;
+    enum class Kind { Sample, Circuit, Road };
+    Kind kind = Kind::Sample;
+    SampleGround ground;         // of Sample
+    std::filesystem::path line;  // of Road, and the two below
+    LineWishes wishes;
+    RoadGround road;
     std::filesystem::path out;
 };
 
@@ -118,8 +128,11 @@ struct Order {
     std::optional<CheckOrder> check;
     std::optional<SettleOrder> settle;
     std::optional<BakeOrder> bake;
+    std::optional<RenderOrder> render;
+    std::optional<TracksOrder> tracks;
     std::optional<ResetOrder> reset;
     std::optional<GroundOrder> ground;
+    std::optional<PathOrder> path;
     std::optional<ControlsOrder> controls;
     std::optional<HudOrder> hud;
     std::optional<StandOrder> stand;

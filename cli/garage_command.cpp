@@ -24,7 +24,7 @@ INode* AddGround(const tavrik::GarageOrder& order, const tavrik_host::GarageScen
                  tavrik::SurfaceTree& surface, std::string& problem) {
     tavrik::TriangleMesh ground;
     if (order.ground.empty()) {
-        ground = MakeSampleGround(scene.ground);
+        ground = scene.ground();
     } else if (!ReadGround(order.ground, order.import, ground, problem)) {
         return nullptr;
     }
@@ -39,14 +39,19 @@ INode* AddGround(const tavrik::GarageOrder& order, const tavrik_host::GarageScen
     return nullptr;
 }
 
+std::string GroundName(const tavrik::GarageOrder& order) {
+    return order.ground.empty() ? "The garage's ground" : order.ground.string();
+}
+
 /// Where the driven vehicle starts.
-bool FindStart(const tavrik::GarageOrder& order, const tavrik::CarPlan& plan, const tavrik::SurfaceTree& surface,
+bool FindStart(const tavrik::GarageOrder& order, const tavrik_host::GarageScene& scene, const tavrik::SurfaceTree& surface,
                tavrik::DMatrix3& frame, std::string& problem) {
-    const tavrik::CarSpot spot = order.start ? *order.start : MiddleOfGround(surface);
+    const tavrik::CarPlan plan = scene.vehicles().front().plan;
+    const tavrik::CarSpot spot = order.start ? *order.start : scene.start ? *scene.start : MiddleOfGround(surface);
     std::vector<tavrik::DPoint3> wheels;
     for (const tavrik::PlannedUnit& unit : plan.units) wheels.push_back(RestFrame(unit).row[3]);
     if (StandOnGround(surface, spot, wheels, plan.standingHeight, frame, problem)) return true;
-    problem = fmt::format("{}: {}.", order.ground.empty() ? "The garage's ground" : order.ground.string(), problem);
+    problem = fmt::format("{}: {}.", GroundName(order), problem);
     return false;
 }
 
@@ -59,8 +64,11 @@ bool MakeScene(const tavrik::GarageOrder& order, const tavrik_host::GarageScene&
     tavrik::SurfaceTree surface;
     INode* ground = AddGround(order, scene, document, surface, problem);
     tavrik::DMatrix3 frame;
-    if (ground == nullptr || !FindStart(order, scene.vehicles().front().plan, surface, frame, problem)) return false;
-    FillGarageScene(document, scene, frame, *ground, surface);
+    if (ground == nullptr || !FindStart(order, scene, surface, frame, problem)) return false;
+    if (FillGarageScene(document, scene, frame, *ground, surface, problem).empty()) {
+        problem = fmt::format("{}: {}.", GroundName(order), problem);
+        return false;
+    }
     const auto frames = TimeValue(order.seconds * tavrik::kTicksPerSecond / GetTicksPerFrame() + 0.5);
     GetCOREInterface()->SetAnimRange(Interval(0, frames * GetTicksPerFrame()));
     progress.Begin("Writing");

@@ -18,8 +18,11 @@ int main(int argc, char** argv) {
         if (order.check) return tavrik::RunCheck(*order.check);
         if (order.settle) return tavrik::RunSettle(*order.settle);
         if (order.bake) return tavrik::RunBake(*order.bake);
+        if (order.render) return tavrik::RunRender(*order.render);
+        if (order.tracks) return tavrik::RunTracks(*order.tracks);
         if (order.reset) return tavrik::RunReset(*order.reset);
         if (order.ground) return tavrik::RunGround(*order.ground);
+        if (order.path) return tavrik::RunPath(*order.path);
         if (order.controls) return tavrik::RunControls(*order.controls);
         if (order.hud) return tavrik::RunHud(*order.hud);
         if (order.stand) return tavrik::RunStand(*order.stand);

@@ -18,15 +18,19 @@ class Progress {
     void Begin(std::string_view job);
     /// Draws a bar behind the job's name, ten times a second at most. @param part  0..1
     void Show(double part);
+    /// Likewise, with the time that is left if all goes on as it has since `Begin`.
+    void ShowTimeLeft(double part);
     /// Wipes the line.
     void Clear();
 
  private:
     void Draw(std::string_view line);
+    void DrawBar(double part, std::string_view behind);
+    bool IsDue();
 
     bool isTerminal_;
     std::string job_;
-    std::chrono::steady_clock::time_point lastDrawn_{};
+    std::chrono::steady_clock::time_point begun_{}, lastDrawn_{};
     bool isShown_ = false;
 };
 

@@ -8,6 +8,7 @@
 
 #include "cli/command_line.h"
 #include "cli/drive_summary.h"
+#include "cli/follow_run.h"
 #include "cli/hands.h"
 #include "cli/opened_scene.h"
 #include "cli/progress.h"
@@ -98,7 +99,12 @@ bool RunInScene(const tavrik::SceneDriveOrder& order, SceneDesktop& desktop, tav
     SceneRun run{order.scene, desktop, *master, hands};
     progress.Begin("Driving");
     const Clock::time_point driving = Clock::now();
-    if (!FindStart(order, run, problem) || !DriveInScene(run, progress, problem)) return false;
+    FollowRun follow;
+    if (!FindStart(order, run, problem) ||
+        !follow.Prepare(order.follow, run, order.input.empty(), !order.hasSeconds, problem) ||
+        !DriveInScene(run, progress, problem)) {
+        return false;
+    }
     tavrik::DriveTimes times;
     times.driving = SecondsSince(driving);
     progress.Begin("Writing");
@@ -108,6 +114,7 @@ bool RunInScene(const tavrik::SceneDriveOrder& order, SceneDesktop& desktop, tav
     times.frames = run.frames;
     times.driven = double(run.frames) * GetTicksPerFrame() / tavrik::kTicksPerSecond;
     times.all = SecondsSince(begin);
+    fmt::print("{}", follow.Summary(readings.samples));
     PrintSummary(readings.driven, readings.samples, times, run.notice, readings.written);
     return true;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "drive/drive_session.h"
 #include "drive/driver_script.h"
@@ -82,9 +83,13 @@ bool DriveFrames(SceneRun& run, tavrik::Progress& progress, std::string& problem
     for (int frame = 0; frame < run.frames; ++frame) {
         progress.Show(double(frame) / run.frames);
         hands.PlayUntil(frame * frameSeconds);
+        if (run.beforeFrame) run.beforeFrame(frame);
         if (windows.TimerRuns()) windows.Send(tavrik::kWmTimer, tavrik::kTimerId, 0);
         problem = run.desktop.TakeMessage();
         if (!problem.empty()) return false;
+        if (!run.afterFrame || run.afterFrame(frame)) continue;
+        run.frames = frame + 1;
+        break;
     }
     run.notice = hands.Notice();
     windows.Send(tavrik::kWmKeyUp, std::uint64_t(tavrik::kVkEscape), 0);
@@ -96,11 +101,23 @@ bool DriveFrames(SceneRun& run, tavrik::Progress& progress, std::string& problem
 
 bool DriveInScene(SceneRun& run, tavrik::Progress& progress, std::string& problem) {
     const bool byEvents = run.hands.ByEvents();
-    const RowDriver rows(run.hands.rows);
-    const DrivingType type(run.master,
-                           byEvents ? std::int32_t(DrivingTypeOf(run.hands.events)) : std::int32_t(tavrik::kDriveToTarget));
+    std::optional<RowDriver> rows;
+    std::optional<DrivingType> type;
+    if (!run.byTarget) {
+        rows.emplace(run.hands.rows);
+        type.emplace(run.master,
+                     byEvents ? std::int32_t(DrivingTypeOf(run.hands.events)) : std::int32_t(tavrik::kDriveToTarget));
+    }
     tavrik_host::MasterPanel panel(run.master);
-    return PressButtons(run, panel, problem) && DriveFrames(run, progress, problem);
+    Interface& core = *GetCOREInterface();
+    const Interval range = core.GetAnimRange();
+    if (!PressButtons(run, panel, problem) || !DriveFrames(run, progress, problem)) return false;
+    // A run that ended early leaves no empty time behind it.
+    const TimeValue end = run.from + run.frames * GetTicksPerFrame();
+    if (core.GetAnimRange().End() > std::max(range.End(), end)) {
+        core.SetAnimRange(Interval(range.Start(), std::max(range.End(), end)));
+    }
+    return true;
 }
 
 int FramesIn(double seconds) {

@@ -17,6 +17,22 @@ bool CheckScene(std::string_view option, const std::string& file, std::string& p
     return false;
 }
 
+/// What the commands that make a scene have in common.
+/// @param options  the words as numbers, for what only one of them asks
+template <typename Order>
+bool MakeSceneOrder(const DriveWords& words, const SceneWords& files, DriveOptions& options, Order& order,
+                    std::string& problem) {
+    if (!MakeDriveOptions(words, "--at", options, problem) || !CheckScene("--out", files.out, problem)) return false;
+    order.ground = options.ground;
+    order.import = options.import;
+    order.start = options.start;
+    order.seconds = options.seconds;
+    order.out = files.out;
+    if (order.ground.empty() || !SameFile(order.ground, order.out)) return true;
+    problem = fmt::format("--ground and --out are the same file, {}", files.out);
+    return false;
+}
+
 }  // namespace
 
 void AddNewOptions(CLI::App& app, DriveWords& words, SceneWords& files) {
@@ -73,20 +89,14 @@ void AddSceneDriveOptions(CLI::App& app, SceneWords& words) {
     app.add_option("--master", words.master, "In a scene with several cars: the one to drive")->type_name("NAME");
     words.fromOption =
         app.add_option("--from", words.from, "In a scene: go on from this second of the recording")->type_name("S");
+    AddFollowWords(app, words.follow);
 }
 
 bool MakeNewOrder(const DriveWords& words, const SceneWords& files, NewOrder& order, std::string& problem) {
     DriveOptions options;
-    if (!MakeDriveOptions(words, "--at", options, problem) || !CheckScene("--out", files.out, problem)) return false;
-    order.ground = options.ground;
-    order.import = options.import;
-    order.start = options.start;
-    order.seconds = options.seconds;
+    if (!MakeSceneOrder(words, files, options, order, problem)) return false;
     order.ticksPerFrame = options.ticksPerFrame;
-    order.out = files.out;
-    if (order.ground.empty() || !SameFile(order.ground, order.out)) return true;
-    problem = fmt::format("--ground and --out are the same file, {}", files.out);
-    return false;
+    return true;
 }
 
 bool MakeGarageOrder(const CLI::App& app, const DriveWords& words, const SceneWords& files, GarageOrder& order,
@@ -97,16 +107,8 @@ bool MakeGarageOrder(const CLI::App& app, const DriveWords& words, const SceneWo
         return false;
     }
     DriveOptions options;
-    if (!MakeDriveOptions(words, "--at", options, problem) || !CheckScene("--out", files.out, problem)) return false;
     order.name = files.scene;
-    order.ground = options.ground;
-    order.import = options.import;
-    order.start = options.start;
-    order.seconds = options.seconds;
-    order.out = files.out;
-    if (order.ground.empty() || !SameFile(order.ground, order.out)) return true;
-    problem = fmt::format("--ground and --out are the same file, {}", files.out);
-    return false;
+    return MakeSceneOrder(words, files, options, order, problem);
 }
 
 bool MakeInfoOrder(const SceneWords& words, InfoOrder& order, std::string& problem) {
@@ -166,7 +168,9 @@ bool MakeSceneDriveOrder(const CLI::App& app, const DriveWords& words, const Sce
     order.master = scene.master;
     order.input = options.input;
     order.seconds = options.seconds;
+    order.hasSeconds = app.count("--seconds") != 0;
     if (app.count("--seed") != 0) order.seed = words.seed;
+    if (!MakeFollowOrder(app, scene.follow, order.follow, problem)) return false;
     if (scene.fromOption->count() == 0) return true;
     if (std::isfinite(scene.from) && scene.from >= 0.0 && scene.from <= 36000.0) {
         order.from = scene.from;

@@ -6,6 +6,7 @@
 
 #include "cli/command_line.h"
 #include "cli/drive_words.h"
+#include "cli/follow_words.h"
 
 namespace tavrik {
 
@@ -16,6 +17,7 @@ struct SceneWords {
     double seconds = 3.0;  // of `settle`
     std::string keys = "samples";
     CLI::Option* fromOption = nullptr;
+    FollowWords follow;  // of `drive`
 };
 
 void AddNewOptions(CLI::App& app, DriveWords& words, SceneWords& files);

@@ -1,51 +1,22 @@
 #include "host/car_model_scene.h"
 
 #include <assimp/config.h>
-#include <assimp/importerdesc.h>
-#include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <assimp/Importer.hpp>
-#include <cctype>
 #include <cmath>
-#include <cstring>
-#include <exception>
+#include <cstdint>
 #include <set>
-#include <sstream>
+#include <utility>
 #include <vector>
 
-#include "host/child_process.h"
+#include "host/importer.h"
+#include "host/packed_values.h"
 
 namespace tavrik {
 namespace {
-
-std::string LowerExtension(const std::filesystem::path& file) {
-    std::string extension = file.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return char(std::tolower(c)); });
-    return extension.empty() ? extension : extension.substr(1);
-}
-
-/// Leaves the importer with the one loader for `extension`: it would try every other on a file that its own refuses.
-void KeepOneLoader(Assimp::Importer& importer, const std::string& extension) {
-    std::vector<Assimp::BaseImporter*> others;
-    for (std::size_t i = 0; i < importer.GetImporterCount(); ++i) {
-        std::istringstream extensions(importer.GetImporterInfo(i)->mFileExtensions);
-        bool wanted = false;
-        for (std::string one; extensions >> one;) wanted = wanted || one == extension;
-        if (!wanted) others.push_back(importer.GetImporter(i));
-    }
-    for (Assimp::BaseImporter* other : others) importer.UnregisterLoader(other);
-}
-
-DMatrix3 ToFrame(const aiMatrix4x4& m) {
-    return {{{double(m.a1), double(m.b1), double(m.c1)},
-             {double(m.a2), double(m.b2), double(m.c2)},
-             {double(m.a3), double(m.b3), double(m.c3)},
-             {double(m.a4), double(m.b4), double(m.c4)}}};
-}
 
 /// Names of nodes that an animation takes round.
 std::set<std::string> TurnedNodes(const aiScene& scene) {
@@ -121,11 +92,9 @@ class SceneCarGatherer {
     }
 
     bool AddMesh(unsigned index, ModelPart& part) {
-        if (index >= scene_.mNumMeshes || scene_.mMeshes[index] == nullptr) {
-            problem_ = fmt::format("mesh {} is used, but there are {}; export it again.", index, scene_.mNumMeshes);
-            return false;
-        }
-        const aiMesh& mesh = *scene_.mMeshes[index];
+        const aiMesh* found = FindMesh(scene_, index, problem_);
+        if (found == nullptr) return false;
+        const aiMesh& mesh = *found;
         triangles_ += mesh.mNumFaces;
         points_ += mesh.mNumVertices;
         if (triangles_ > mostTriangles_ || points_ > 3 * mostTriangles_) {
@@ -144,22 +113,8 @@ class SceneCarGatherer {
             looks.normals.push_back({double(n.x), double(n.y), double(n.z)});
         }
         looks.normals.resize(part.vertices.size());
-        const bool isKnown = mesh.mMaterialIndex < scene_.mNumMaterials;
-        for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
-            const aiFace& face = mesh.mFaces[i];
-            if (face.mNumIndices != 3) continue;  // points and lines
-            MeshFace corners;
-            for (unsigned c = 0; c < 3; ++c) {
-                if (face.mIndices[c] >= mesh.mNumVertices) {
-                    problem_ = fmt::format("face {} uses vertex {}, but there are {} (counted from 0); export it again.", i + 1,
-                                           face.mIndices[c], mesh.mNumVertices);
-                    return false;
-                }
-                corners.v[c] = first + face.mIndices[c];
-            }
-            part.faces.push_back(corners);
-            looks.materials.push_back(isKnown ? int(mesh.mMaterialIndex) : -1);
-        }
+        if (!AppendFaces(mesh, first, part.faces, problem_)) return false;
+        looks.materials.resize(part.faces.size(), mesh.mMaterialIndex < scene_.mNumMaterials ? int(mesh.mMaterialIndex) : -1);
         return true;
     }
 
@@ -172,65 +127,23 @@ class SceneCarGatherer {
     std::size_t triangles_ = 0, points_ = 0;
 };
 
-/// The importer stands 3DS and COLLADA scenes on their Y axis, and brings COLLADA to metres, both in the root's frame. FBX it
-/// only describes.
-DMatrix3 ReadHabit(const std::string& extension, const aiScene& scene, CarModel& model, UpAxis& up) {
-    up = UpAxis::Z;
-    model.metresPerUnit = 1.0;
-    if (extension == "3ds") return {{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {0, 0, 0}}};  // (x, z, -y) back to (x, y, z)
-    if (extension == "dae") up = UpAxis::Y;
-    if (extension == "fbx") {
-        up = UpAxis::Y;
-        double centimetres = 1.0;
-        if (scene.mMetaData != nullptr) {
-            float single = 1.0f;
-            if (!scene.mMetaData->Get("UnitScaleFactor", centimetres) && scene.mMetaData->Get("UnitScaleFactor", single)) {
-                centimetres = double(single);
-            }
-            std::int32_t upAxis = 1;
-            if (scene.mMetaData->Get("UpAxis", upAxis) && upAxis == 2) up = UpAxis::Z;
-        }
-        model.metresPerUnit = centimetres > 0.0 ? centimetres * 0.01 : 0.01;
-    }
-    return IdentityDMatrix3();
-}
-
-bool ImportCar(const std::string& extension, std::string_view bytes, const CarImport& import, CarModel& model, CarLooks& looks,
-               UpAxis& up, std::string& problem) {
+bool ImportCar(const ImportedFile& file, const CarImport& import, CarModel& model, CarLooks& looks, UpAxis& up,
+               std::string& problem) {
     Assimp::Importer importer;
-    KeepOneLoader(importer, extension);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_TEXTURES, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_USE_COLLADA_NAMES, true);  // instead of identifiers
     importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, import.up != UpAxis::FromFile);
-    const aiScene* scene = importer.ReadFileFromMemory(bytes.data(), bytes.size(), aiProcess_Triangulate, extension.c_str());
-    if (scene == nullptr || scene->mRootNode == nullptr) {
-        std::string reason = importer.GetErrorString();
-        reason = reason.substr(0, std::min<std::size_t>(reason.find('\n'), 200));
-        problem = fmt::format("this is not a readable .{} model ({}).", extension, reason.empty() ? "no reason given" : reason);
-        return false;
-    }
-    const DMatrix3 undo = ReadHabit(extension, *scene, model, up);
-    return SceneCarGatherer(*scene, import.mostTriangles, model, looks, problem).Run(undo);
-}
-
-// A model, or the problem with it, as bytes from one process to another of the same program.
-
-template <typename Value>
-void Append(std::string& bytes, const Value* values, std::size_t count) {
-    if (count > 0) bytes.append(reinterpret_cast<const char*>(values), count * sizeof(Value));
-}
-
-template <typename Value>
-bool Take(std::string_view& bytes, Value* values, std::size_t count) {
-    if (count > bytes.size() / sizeof(Value)) return false;
-    if (count > 0) std::memcpy(values, bytes.data(), count * sizeof(Value));
-    bytes.remove_prefix(count * sizeof(Value));
-    return true;
+    const aiScene* scene = OpenImported(importer, file, problem);
+    if (scene == nullptr) return false;
+    const FileHabit habit = HabitOf(file.extension, *scene);
+    model.metresPerUnit = habit.metresPerUnit;
+    up = habit.up;
+    return SceneCarGatherer(*scene, import.mostTriangles, model, looks, problem).Run(habit.undo);
 }
 
 struct ModelHead {
-    std::uint64_t read, parts, materials;
+    std::uint64_t parts, materials;
     double metresPerUnit;
     UpAxis up;
 };
@@ -244,11 +157,9 @@ struct MaterialHead {
     float red, green, blue;
 };
 
-std::string Pack(bool read, const CarModel& model, const CarLooks& looks, UpAxis up, const std::string& problem) {
-    std::string bytes;
-    const ModelHead head{read ? 1u : 0u, model.parts.size(), looks.materials.size(), model.metresPerUnit, up};
+void Pack(const CarModel& model, const CarLooks& looks, UpAxis up, std::string& bytes) {
+    const ModelHead head{model.parts.size(), looks.materials.size(), model.metresPerUnit, up};
     Append(bytes, &head, 1);
-    if (!read) return bytes + problem;
     for (const auto& [material, picture] : looks.materials) {
         const MaterialHead materialHead{material.name.size(), material.red, material.green, material.blue};
         Append(bytes, &materialHead, 1);
@@ -267,17 +178,11 @@ std::string Pack(bool read, const CarModel& model, const CarLooks& looks, UpAxis
         Append(bytes, its.normals.data(), its.normals.size());
         Append(bytes, its.materials.data(), its.materials.size());
     }
-    return bytes;
 }
 
-bool Unpack(std::string_view bytes, CarModel& model, CarLooks& looks, UpAxis& up, std::string& problem) {
-    problem = "the process that read it fell silent.";
+bool Unpack(std::string_view bytes, CarModel& model, CarLooks& looks, UpAxis& up) {
     ModelHead head;
     if (!Take(bytes, &head, 1)) return false;
-    if (head.read == 0) {
-        problem = bytes;
-        return false;
-    }
     model.metresPerUnit = head.metresPerUnit;
     up = head.up;
     for (std::uint64_t i = 0; i < head.materials; ++i) {
@@ -319,41 +224,17 @@ bool Unpack(std::string_view bytes, CarModel& model, CarLooks& looks, UpAxis& up
 
 bool ReadSceneCar(const std::filesystem::path& file, std::string_view bytes, const CarImport& import, CarModel& model,
                   CarLooks& looks, UpAxis& up, std::string& problem) {
-    const std::string extension = LowerExtension(file);
-    if (extension == "ply" && bytes.find("end_header") == std::string_view::npos) {
-        problem = "this is not a readable .ply model, its head has no end; copy or export it again.";
-        return false;
-    }
-    const auto work = [&] {
-        CarModel imported;
-        CarLooks importedLooks;
-        UpAxis importedUp = UpAxis::Z;
-        std::string fault;
-        bool read = false;
-        try {
-            read = ImportCar(extension, bytes, import, imported, importedLooks, importedUp, fault);
-        } catch (const std::exception& error) {
-            fault = fmt::format("this is not a readable .{} model ({}).", extension, error.what());
-        }
-        return Pack(read, imported, importedLooks, importedUp, fault);
+    const ImportedFile imported = MakeImportedFile(file, bytes, "model");
+    const auto pack = [&](std::string& answer, std::string& fault) {
+        CarModel found;
+        CarLooks itsLooks;
+        UpAxis itsUp = UpAxis::Z;
+        if (!ImportCar(imported, import, found, itsLooks, itsUp, fault)) return false;
+        Pack(found, itsLooks, itsUp, answer);
+        return true;
     };
-    constexpr double kLeastSeconds = 10.0, kSecondsPerByte = 2e-6;
-    std::string answer;
-    switch (RunInChild(work, kLeastSeconds + kSecondsPerByte * double(bytes.size()), answer)) {
-        case ChildEnd::Answered:
-            return Unpack(answer, model, looks, up, problem);
-        case ChildEnd::Crashed:
-            problem =
-                fmt::format("this is not a readable .{} model, its parts contradict each other; export it again.", extension);
-            return false;
-        case ChildEnd::TooSlow:
-            problem = fmt::format("this is not a readable .{} model, reading it comes to no end; export it again.", extension);
-            return false;
-        case ChildEnd::NotStarted:
-            break;
-    }
-    problem = "there is no room for one more process to read it in.";
-    return false;
+    const auto unpack = [&](std::string_view answer) { return Unpack(answer, model, looks, up); };
+    return ImportInChild(imported, pack, unpack, problem);
 }
 
 }  // namespace tavrik

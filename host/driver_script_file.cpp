@@ -68,27 +68,17 @@ bool ParseRow(std::string_view line, DriverRow& row, std::string& fault) {
 }  // namespace
 
 bool ReadDriverScriptText(const std::string& name, std::string_view text, DriverScript& script, std::string& problem) {
-    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     DriverScript result;
-    bool mayBeHeading = true;
-    for (std::size_t lineNumber = 1; !text.empty(); ++lineNumber) {
-        const std::string_view line = TakeLine(text);
-        if (line.empty()) continue;
-        const bool isHeading = mayBeHeading && IsHeading(line);
-        mayBeHeading = false;
-        if (isHeading) continue;
+    const auto add = [&](std::string_view line, std::string& fault) {
         DriverRow row;
-        std::string fault;
-        if (ParseRow(line, row, fault) && !result.rows.empty() && row.seconds <= result.rows.back().seconds) {
+        if (!ParseRow(line, row, fault)) return;
+        if (!result.rows.empty() && row.seconds <= result.rows.back().seconds) {
             fault = fmt::format("its time, {} s, does not come after the {} s of the row before", row.seconds,
                                 result.rows.back().seconds);
         }
-        if (!fault.empty()) {
-            problem = fmt::format("{}: line {}: {}.", name, lineNumber, fault);
-            return false;
-        }
         result.rows.push_back(row);
-    }
+    };
+    if (!ForEachRow(name, text, add, problem)) return false;
     if (result.rows.empty()) {
         problem =
             fmt::format("{}: it holds no row for the driver (seconds, steering, throttle, brake, hand brake, reverse).", name);

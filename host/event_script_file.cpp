@@ -218,30 +218,20 @@ bool LooksLikeEvents(std::string_view text) {
 }
 
 bool ReadEventScriptText(const std::string& name, std::string_view text, EventScript& script, std::string& problem) {
-    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     EventScript result;
     XInputGamepad pad{};
-    bool mayBeHeading = true;
-    for (std::size_t lineNumber = 1; !text.empty(); ++lineNumber) {
-        const std::string_view line = TakeLine(text);
-        if (line.empty()) continue;
-        const bool isHeading = mayBeHeading && IsHeading(line);
-        mayBeHeading = false;
-        if (isHeading) continue;
+    const auto add = [&](std::string_view line, std::string& fault) {
         DriverEvent event;
         event.pad = pad;
-        std::string fault;
-        if (ParseEvent(line, event, fault) && !result.events.empty() && event.seconds < result.events.back().seconds) {
+        if (!ParseEvent(line, event, fault)) return;
+        if (!result.events.empty() && event.seconds < result.events.back().seconds) {
             fault = fmt::format("its time, {} s, lies before the {} s of the event above", event.seconds,
                                 result.events.back().seconds);
         }
-        if (!fault.empty()) {
-            problem = fmt::format("{}: line {}: {}.", name, lineNumber, fault);
-            return false;
-        }
         pad = event.pad;
         result.events.push_back(event);
-    }
+    };
+    if (!ForEachRow(name, text, add, problem)) return false;
     if (result.events.empty()) {
         problem = fmt::format("{}: it holds no event (seconds, event).", name);
         return false;

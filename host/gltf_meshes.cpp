@@ -9,8 +9,8 @@
 
 #include "host/file_mesh.h"
 #include "host/gltf_accessor.h"
+#include "host/gltf_model.h"
 #include "host/scene_axes.h"
-#include "host/tiny_gltf.h"
 
 namespace tavrik_host {
 namespace {
@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kMostNumbers = 3 * tavrik::kMostGroundTriangles;
 /// Elements of an accessor without data, all of them zero. A few bytes of text could ask for any number of them.
 constexpr std::size_t kMostZeros = 1'000'000;
-constexpr int kLines = 1, kLineLoop = 2, kTriangles = 4, kStrip = 5;  // 0: points, 3: line strip, 6, the last mode: fan
+constexpr int kLines = 1, kLineLoop = 2, kTriangles = 4;  // 0: points, 3: line strip, 5: triangle strip, 6, the last mode: fan
 
 std::size_t SizeAt(const Json& object, const char* key) {
     const Json* value = Find(object, key);
@@ -180,16 +180,9 @@ void GltfNumbers::AddPrimitive(const Json& primitive, const std::string& what, d
     }
     const std::vector<std::uint32_t> corners = ReadCorners(primitive, what, model_->gltf.accessors[accessor].count);
     const std::uint32_t base = known[accessor];
-    const auto add = [&](std::size_t a, std::size_t b, std::size_t c) {
+    tavrik::ForEachGltfTriangle(int(mode), corners.size(), [&](std::size_t a, std::size_t b, std::size_t c) {
         mesh.faces.emplace_back().setVerts(base + corners[a], base + corners[b], base + corners[c]);
-    };
-    if (mode == kTriangles) {
-        for (std::size_t i = 0; i + 2 < corners.size(); i += 3) add(i, i + 1, i + 2);
-    } else if (mode == kStrip) {
-        for (std::size_t i = 0; i + 2 < corners.size(); ++i) add(i, i + 1 + i % 2, i + 2 - i % 2);
-    } else {
-        for (std::size_t i = 1; i + 1 < corners.size(); ++i) add(i, i + 1, 0);
-    }
+    });
 }
 
 bool IsMadeOfLines(const Json& mesh) {

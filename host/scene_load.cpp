@@ -6,6 +6,7 @@
 
 #include "host/gltf_document.h"
 #include "host/gltf_keys.h"
+#include "host/gltf_unused.h"
 #include "host/read_file.h"
 #include "host/scene_build.h"
 #include "host/scene_file.h"

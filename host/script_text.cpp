@@ -1,5 +1,7 @@
 #include "host/script_text.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace tavrik {
@@ -28,6 +30,25 @@ bool IsHeading(std::string_view line) {
     if (line.empty() || line.starts_with("nan") || line.starts_with("inf")) return false;
     const char c = line.front();
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool ForEachRow(const std::string& name, std::string_view text,
+                const std::function<void(std::string_view line, std::string& fault)>& row, std::string& problem) {
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    bool mayBeHeading = true;
+    for (std::size_t lineNumber = 1; !text.empty(); ++lineNumber) {
+        const std::string_view line = TakeLine(text);
+        if (line.empty()) continue;
+        const bool isHeading = mayBeHeading && IsHeading(line);
+        mayBeHeading = false;
+        if (isHeading) continue;
+        std::string fault;
+        row(line, fault);
+        if (fault.empty()) continue;
+        problem = fmt::format("{}: line {}: {}.", name, lineNumber, fault);
+        return false;
+    }
+    return true;
 }
 
 }  // namespace tavrik

@@ -4,6 +4,7 @@
 
 #include "plugin/block_values.h"
 #include "plugin/param_blocks.h"
+#include "rig/gizmos/gizmos.h"
 #include "rig/parameter_tables.h"
 
 namespace tavrik_plugin {
@@ -31,6 +32,8 @@ void ChassisObject::ReadValues(TimeValue) {
 }
 
 std::vector<Point3> ChassisObject::Extent() const { return BoxCorners(width, length, height); }
+
+tavrik::GizmoLines ChassisObject::Lines() const { return tavrik::ChassisLines(width, length, height, rotationShift); }
 
 bool ChassisObject::Drag(const Point3& d) {
     SetFloat(pblock_, Param::Length, std::abs(d.y));

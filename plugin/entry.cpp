@@ -8,6 +8,9 @@
 #include "plugin/scene_view.h"
 #include "plugin/wheel_object.h"
 #include "plugin/wide_text.h"
+#ifdef _WIN32
+#include "plugin/win32/console.h"
+#endif
 
 namespace tavrik_plugin {
 namespace {
@@ -38,4 +41,9 @@ TAVRIK_EXPORT int LibInitialize() {
     return 1;
 }
 
-TAVRIK_EXPORT int LibShutdown() { return 1; }
+TAVRIK_EXPORT int LibShutdown() {
+#ifdef _WIN32
+    tavrik_plugin::CloseConsole();
+#endif
+    return 1;
+}

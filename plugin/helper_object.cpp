@@ -7,6 +7,9 @@ namespace {
 
 constexpr float kQuarterTurn = 1.5708f;
 
+/// What a view draws into; null where there is none.
+GraphicsWindow* WindowOf(ViewExp* view) { return view != nullptr && view->IsAlive() ? view->getGW() : nullptr; }
+
 Box3 BoxAround(const std::vector<Point3>& points) {
     Box3 box;
     box.Init();
@@ -95,6 +98,36 @@ const MCHAR* RigHelper::TAVRIK_GET_OBJECT_NAME { return WideText(class_.Identity
 CreateMouseCallBack* RigHelper::GetCreateMouseCallBack() {
     statics_.create.SetObject(this);
     return &statics_.create;
+}
+
+Color RigHelper::LineColor(INode& node) const {
+    if (node.Selected() != 0) return {1.0f, 1.0f, 1.0f};
+    if (ShowsLock() && IsLocked(node)) return {0.0f, 0.0f, 1.0f};
+    return Color(node.GetWireColor());
+}
+
+void RigHelper::Draw(GraphicsWindow& gw, TimeValue, INode&) const { DrawLines(gw, Lines()); }
+
+int RigHelper::Display(TimeValue t, INode* inode, ViewExp* vpt, int) {
+    GraphicsWindow* const gw = WindowOf(vpt);
+    if (gw == nullptr) return 0;
+    ReadValues(t);
+    gw->setTransform(inode->GetObjectTM(t));
+    gw->setColor(LINE_COLOR, LineColor(*inode));
+    Draw(*gw, t, *inode);
+    return 0;
+}
+
+int RigHelper::HitTest(TimeValue t, INode* inode, int type, int crossing, int, IPoint2* p, ViewExp* vpt) {
+    GraphicsWindow* const gw = WindowOf(vpt);
+    if (gw == nullptr) return 0;
+    const auto draw = [&] {
+        ReadValues(t);
+        gw->setTransform(inode->GetObjectTM(t));
+        Draw(*gw, t, *inode);
+    };
+    const auto report = [&](DWORD distance) { vpt->LogHit(inode, nullptr, distance, 0, nullptr); };
+    return HitsDrawing(*gw, type, crossing, p, draw, report) ? 1 : 0;
 }
 
 void RigHelper::GetWorldBoundBox(TimeValue t, INode* inode, ViewExp*, Box3& box) {

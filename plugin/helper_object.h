@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "plugin/classes.h"
+#include "plugin/gizmo_lines.h"
 #include "plugin/rig_owner.h"
 #include "plugin/sdk_year.h"
 
@@ -52,12 +53,16 @@ class RigHelper : public RigOwner {
     virtual void ReadValues(TimeValue t) = 0;
     /// The points that a box around the object must hold, in its own axes, from the cached values.
     virtual std::vector<Point3> Extent() const = 0;
+    /// The object's drawing in its own axes, from the cached values.
+    virtual tavrik::GizmoLines Lines() const = 0;
     /// Writes the sizes that a drag gives.
     /// @param d  from the first point to where the mouse is
     /// @return whether a click there makes an object; without, the size would be nothing
     virtual bool Drag(const Point3& d) = 0;
     /// Whether the object lies on its side until the mouse moves.
     virtual bool LiesAtFirstPoint() const { return false; }
+    /// Whether the object shows by its colour that it can't be moved by hand.
+    virtual bool ShowsLock() const { return true; }
     /// Of the class's rollout, or null. Stays the object's class's own.
     virtual ParamMap2UserDlgProc* DialogProc() { return nullptr; }
 
@@ -84,6 +89,11 @@ class RigHelper : public RigOwner {
 
     const MCHAR* TAVRIK_GET_OBJECT_NAME override;
     CreateMouseCallBack* GetCreateMouseCallBack() override;
+    // Drawn as it is set now, whatever was cached: a view may ask before anyone has asked for the object's validity. A mouse
+    // that is on a line has hit, whatever its flags would rather have left out.
+    int Display(TimeValue t, INode* inode, ViewExp* vpt, int flags) override;
+    using RigOwner::HitTest;
+    int HitTest(TimeValue t, INode* inode, int type, int crossing, int flags, IPoint2* p, ViewExp* vpt) override;
     // Boxes are read anew: a host that has not drawn the object yet hasn't asked for its validity either. The box that a node
     // calls local is turned and moved with the node, as the world's is; views of old rigs are tuned to that.
     void GetWorldBoundBox(TimeValue t, INode* inode, ViewExp* vpt, Box3& box) override;
@@ -98,6 +108,11 @@ class RigHelper : public RigOwner {
     Interval ObjectValidity(TimeValue t) override;
 
  protected:
+    /// White while the node is selected, else blue while it is locked, else the node's own.
+    virtual Color LineColor(INode& node) const;
+    /// Draws the object. The window has the object's transform and colour.
+    virtual void Draw(GraphicsWindow& gw, TimeValue t, INode& node) const;
+
     /// @param objectClass  such as "WheelObject"
     RigHelper(std::string_view objectClass, ClassStatics& statics) : class_(ClassNamed(objectClass)), statics_(statics) {}
 

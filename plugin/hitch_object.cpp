@@ -1,6 +1,7 @@
 #include "plugin/hitch_object.h"
 
 #include "plugin/block_values.h"
+#include "rig/gizmos/gizmos.h"
 #include "rig/parameter_tables.h"
 
 namespace tavrik_plugin {
@@ -25,6 +26,8 @@ INode* HitchObject::ConnectionNode() const { return NodeOf(pblock_, Param::Conne
 std::vector<Point3> HitchObject::Extent() const {
     return BoxCorners(Point3(-radius, -radius, -2.5f * radius), Point3(radius, 5.0f * radius, radius));
 }
+
+tavrik::GizmoLines HitchObject::Lines() const { return tavrik::HitchLines(radius); }
 
 bool HitchObject::Drag(const Point3& d) {
     SetFloat(pblock_, Param::Radius, Length(d));

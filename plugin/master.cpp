@@ -74,6 +74,7 @@ bool Tavrik::SetupCar(std::string& problem) {
     const bool refused = result == tavrik::AssemblyResult::TooMany || result == tavrik::AssemblyResult::Flattened;
     if (refused) rig_.motion = std::move(before);
     TellDependents();
+    RebuildTrail();
     return result == tavrik::AssemblyResult::Locked;
 }
 
@@ -81,6 +82,7 @@ void Tavrik::ResetCar() {
     StopRuns();
     rig_.ResetMotion();
     TellDependents();
+    RebuildTrail();
 }
 
 void Tavrik::UpdateSurface() { CaptureSurface(NodeOf(pblock_, Param::Surface_Node), surface_); }
@@ -107,6 +109,7 @@ void Tavrik::Reattach() {
     SceneView view;
     tavrik::SceneNode* const master = tavrik::FindMasterNode(view.Root(), rig_);
     if (master == nullptr || !tavrik::Reattach(rig_, view.Root(), *master)) return;
+    RebuildTrail();
     NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
 }
 
@@ -133,6 +136,20 @@ void Tavrik::ReadValues(TimeValue t) {
 }
 
 std::vector<Point3> Tavrik::Extent() const { return BoxCorners(dummySize_.x, dummySize_.y, dummySize_.z); }
+
+tavrik::GizmoLines Tavrik::Lines() const {
+    tavrik::GizmoLines lines;
+    tavrik::DrawBox(lines, dummySize_.x, dummySize_.y, dummySize_.z);
+    return lines;
+}
+
+Color Tavrik::LineColor(INode& node) const { return node.Selected() != 0 ? Color(1.0f, 1.0f, 1.0f) : Color(0.0f, 1.0f, 0.0f); }
+
+int Tavrik::HitTest(TimeValue, INode*, int type, int crossing, int, IPoint2* p, ViewExp*, ModContext*) {
+    HitRegion region;
+    MakeHitRegion(region, type, crossing, kPickPixels, p);
+    return 0;
+}
 
 /// The drag goes from the middle of the box to a corner; it gets as high as it is wide.
 bool Tavrik::Drag(const Point3& d) {

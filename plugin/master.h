@@ -53,6 +53,11 @@ class Tavrik final : public RigHelper {
 
     void ReadValues(TimeValue t) override;
     std::vector<Point3> Extent() const override;
+    tavrik::GizmoLines Lines() const override;
+    using RigHelper::HitTest;
+    /// Beneath a modifier there is nothing of it to hit.
+    int HitTest(TimeValue t, INode* inode, int type, int crossing, int flags, IPoint2* p, ViewExp* vpt,
+                ModContext* mc) override;
     bool Drag(const Point3& d) override;
     void BeginEditParams(IObjParam* ip, ULONG flags, Animatable* prev) override;
     void EndEditParams(IObjParam* ip, ULONG flags, Animatable* next) override;
@@ -60,6 +65,10 @@ class Tavrik final : public RigHelper {
     Object* ConvertToType(TimeValue t, Class_ID id) override;
     IOResult Save(ISave* isave) override;
     IOResult Load(ILoad* iload) override;
+
+ protected:
+    /// Green, so that the box of a car stands out from its parts. It is never locked itself.
+    Color LineColor(INode& node) const override;
 
  private:
     void TellDependents();

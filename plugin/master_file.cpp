@@ -60,10 +60,7 @@ class TavrikPostLoadCallback final : public PostLoadCallback {
     void proc(ILoad*) override {
         // The host may have thrown the master away again since.
         const std::vector<Tavrik*>& masters = Tavrik::All();
-        if (std::ranges::find(masters, master_) != masters.end()) {
-            master_->Reattach();
-            master_->RebuildTrail();
-        }
+        if (std::ranges::find(masters, master_) != masters.end()) master_->Reattach();
         delete this;
     }
 

@@ -46,7 +46,6 @@ class CarSetupDlgProc final : public MasterDlgProc {
         std::string problem;
         if (control == kUpdateCar && !master->SetupCar(problem)) ShowError(problem);
         if (control == kResetCar) master->ResetCar();
-        if (control == kUpdateCar || control == kResetCar) master->RebuildTrail();
     }
 };
 

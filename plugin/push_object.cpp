@@ -6,7 +6,9 @@
 
 #include "plugin/block_values.h"
 #include "plugin/scene_view.h"
+#include "rig/gizmos/gizmos.h"
 #include "rig/parameter_tables.h"
+#include "solver/random_stream.h"
 
 namespace tavrik_plugin {
 namespace {
@@ -68,6 +70,11 @@ float PushObject::PushMagnitude(TimeValue tick) const {
 INode* PushObject::TavrikNode() const { return NodeOf(pblock_, Param::Tavrik); }
 
 std::vector<Point3> PushObject::Extent() const { return BoxCorners(3.0f * dummySize, 7.0f * dummySize, 3.0f * dummySize); }
+
+tavrik::GizmoLines PushObject::Lines() const {
+    tavrik::RandomStream random(tavrik::kBurstSeed);
+    return tavrik::PushLines(dummySize, [&] { return random.Rand01(); });
+}
 
 bool PushObject::Drag(const Point3& d) {
     SetFloat(pblock_, Param::Dummy_Size, std::abs(d.y));

@@ -11,6 +11,8 @@ class PushObject final : public RigHelper {
     PushObject();
     void ReadValues(TimeValue t) override { UpdatePushCache(t); }
     std::vector<Point3> Extent() const override;
+    tavrik::GizmoLines Lines() const override;
+    bool ShowsLock() const override { return false; }  // no recording ever moves it
     bool Drag(const Point3& d) override;
     ParamMap2UserDlgProc* DialogProc() override;
 

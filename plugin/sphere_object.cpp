@@ -1,6 +1,7 @@
 #include "plugin/sphere_object.h"
 
 #include "plugin/block_values.h"
+#include "rig/gizmos/gizmos.h"
 #include "rig/parameter_tables.h"
 
 namespace tavrik_plugin {
@@ -21,6 +22,8 @@ void CSphereObject::ReadValues(TimeValue) {
 }
 
 std::vector<Point3> CSphereObject::Extent() const { return BoxCorners(radius, radius, radius); }
+
+tavrik::GizmoLines CSphereObject::Lines() const { return tavrik::SphereLines(radius); }
 
 /// A drag straight along Y makes nothing, however long it is: artists have learnt to drag sideways.
 bool CSphereObject::Drag(const Point3& d) {

@@ -10,6 +10,7 @@ class CSphereObject final : public RigHelper {
     CSphereObject();
     void ReadValues(TimeValue t) override;
     std::vector<Point3> Extent() const override;
+    tavrik::GizmoLines Lines() const override;
     bool Drag(const Point3& d) override;
     bool LiesAtFirstPoint() const override { return true; }
 

@@ -10,6 +10,8 @@ class StartObject final : public RigHelper {
     StartObject();
     void ReadValues(TimeValue t) override;
     std::vector<Point3> Extent() const override;
+    tavrik::GizmoLines Lines() const override;
+    bool ShowsLock() const override { return false; }  // no recording ever moves it
     bool Drag(const Point3& d) override;
 
     float size = 0.0f;  // cached

@@ -4,7 +4,9 @@
 #include <iterator>
 
 #include "plugin/block_values.h"
+#include "plugin/convert.h"
 #include "plugin/param_blocks.h"
+#include "rig/gizmos/suspension_lines.h"
 #include "rig/parameter_tables.h"
 
 namespace tavrik_plugin {
@@ -94,6 +96,23 @@ std::vector<Point3> SuspensionObject::Extent() const {
     points.emplace_back(0.0f, 0.0f, 0.2f * length - wheelShift);
     points.emplace_back(0.0f, 0.0f, 0.2f * length);
     return points;
+}
+
+/// The piece that stays with the object.
+tavrik::GizmoLines SuspensionObject::Lines() const { return tavrik::HubCarrierLines(length); }
+
+/// The other piece follows the body where there is a recording. Without one it is black, so that the two tell apart.
+void SuspensionObject::Draw(GraphicsWindow& gw, TimeValue t, INode& node) const {
+    const std::optional<Point3> attachment = LiveAttachment(node, t);
+    gw.setColor(LINE_COLOR, LineColor(node));
+    DrawLines(gw, Lines());
+    tavrik::SuspensionReach reach = tavrik::IdleReach(type, length);
+    if (attachment) {
+        reach = tavrik::LiveReach(FromHost(*attachment * Inverse(gw.getTransform())));
+    } else if (node.Selected() == 0) {
+        gw.setColor(LINE_COLOR, 0.0f, 0.0f, 0.0f);
+    }
+    DrawLines(gw, tavrik::MovingPartLines(type, length, reach));
 }
 
 bool SuspensionObject::Drag(const Point3& d) {

@@ -10,6 +10,7 @@ class SuspensionObject final : public RigHelper {
     SuspensionObject();
     void ReadValues(TimeValue t) override;
     std::vector<Point3> Extent() const override;
+    tavrik::GizmoLines Lines() const override;
     bool Drag(const Point3& d) override;
     ParamMap2UserDlgProc* DialogProc() override;
 
@@ -21,6 +22,9 @@ class SuspensionObject final : public RigHelper {
     float bufferRuggedness = 0.0f;
     float topStop = 0.0f, bottomStop = 0.0f, shift = 10.0f;
     int steering = 0, drive = 0, handbrake = 0;
+
+ protected:
+    void Draw(GraphicsWindow& gw, TimeValue t, INode& node) const override;
 };
 
 }  // namespace tavrik_plugin

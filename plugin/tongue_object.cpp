@@ -1,6 +1,7 @@
 #include "plugin/tongue_object.h"
 
 #include "plugin/block_values.h"
+#include "rig/gizmos/gizmos.h"
 #include "rig/parameter_tables.h"
 
 namespace tavrik_plugin {
@@ -21,6 +22,8 @@ std::vector<Point3> TongueObject::Extent() const {
     const float cage = 1.2f * radius;
     return BoxCorners(Point3(-cage, -5.0f * cage, 0.0f), Point3(cage, cage, cage));
 }
+
+tavrik::GizmoLines TongueObject::Lines() const { return tavrik::TongueLines(radius); }
 
 bool TongueObject::Drag(const Point3& d) {
     SetFloat(pblock_, Param::Radius, Length(d));

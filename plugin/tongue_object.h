@@ -10,6 +10,7 @@ class TongueObject final : public RigHelper {
     TongueObject();
     void ReadValues(TimeValue t) override;
     std::vector<Point3> Extent() const override;
+    tavrik::GizmoLines Lines() const override;
     bool Drag(const Point3& d) override;
 
     float radius = 0.0f;  // cached

@@ -8,6 +8,7 @@
 #include "plugin/block_values.h"
 #include "plugin/param_blocks.h"
 #include "plugin/sc_tex.h"
+#include "rig/gizmos/gizmos.h"
 #include "rig/parameter_tables.h"
 
 namespace tavrik_plugin {
@@ -65,6 +66,8 @@ void WheelObject::BuildPattern() {
 }
 
 std::vector<Point3> WheelObject::Extent() const { return BoxCorners(radius, radius, width); }
+
+tavrik::GizmoLines WheelObject::Lines() const { return tavrik::WheelLines(radius, width); }
 
 bool WheelObject::Drag(const Point3& d) {
     SetFloat(pblock_, Param::Radius, std::abs(d.y));

@@ -11,11 +11,13 @@ class WheelObject final : public RigHelper {
     WheelObject();
     void ReadValues(TimeValue t) override;
     std::vector<Point3> Extent() const override;
+    tavrik::GizmoLines Lines() const override;
     bool Drag(const Point3& d) override;
 
     /// Samples the tread map anew. To be called before every render, on the main thread: a million questions to the map.
     void BuildPattern();
-    /// What the last call found; null before the first one. Whoever reads it keeps it alive, whatever is sampled meanwhile.
+    /// What the last call found; an empty table before the first one. Whoever reads it keeps it alive, whatever is sampled
+    /// meanwhile.
     const tavrik::SharedTread& Tread() const { return tread_; }
 
     // Cached.
@@ -25,7 +27,7 @@ class WheelObject final : public RigHelper {
     float grip = 30000.0f;
 
  private:
-    tavrik::SharedTread tread_;
+    tavrik::SharedTread tread_ = tavrik::EmptyTread();
 };
 
 }  // namespace tavrik_plugin

@@ -16,18 +16,6 @@ MotionSample SampleOf(const RigidBody& body) {
     return sample;
 }
 
-/// Runs `operation` on each array that holds one entry to a frame.
-template <typename Operation>
-void ForEachArray(RecordedMotion& motion, Operation operation) {
-    operation(motion.times);
-    operation(motion.steer);
-    operation(motion.chassis);
-    for (std::int32_t u = 0; u < motion.unitCount; ++u) {
-        operation(motion.wheels[u]);
-        operation(motion.buffers[u]);
-    }
-}
-
 }  // namespace
 
 void RecordedMotion::Init(std::int32_t units, const RigidBody& chassisBody, std::span<const RigidBody> wheelBodies) {

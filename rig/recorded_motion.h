@@ -81,6 +81,18 @@ struct RecordedMotion {
     float SteerAt(TimeValue tick) const;
 };
 
+/// Runs `operation` on each array of a recording that holds one entry to a frame, in the order of the image in files.
+template <typename Motion, typename Operation>
+void ForEachArray(Motion& motion, Operation operation) {
+    operation(motion.times);
+    operation(motion.steer);
+    operation(motion.chassis);
+    for (std::int32_t u = 0; u < motion.unitCount; ++u) {
+        operation(motion.wheels[u]);
+        operation(motion.buffers[u]);
+    }
+}
+
 /// The pose of a component in one stored frame, unblended. A suspension takes position and axle from its wheel and its X axis
 /// from the body; its Y axis is cross(X, Z), so its frame is left-handed.
 Matrix3 ComponentPose(const CarRig& rig, std::int32_t frame, ComponentType objectType, std::int32_t index);

@@ -26,18 +26,6 @@ struct ImageHead {
 };
 static_assert(sizeof(ImageHead) == kHeadBytes);
 
-/// Runs `operation` on each array in the order of the image.
-template <typename Motion, typename Operation>
-void ForEachArray(Motion& motion, Operation operation) {
-    operation(motion.times);
-    operation(motion.steer);
-    operation(motion.chassis);
-    for (std::int32_t u = 0; u < motion.unitCount; ++u) {
-        operation(motion.wheels[u]);
-        operation(motion.buffers[u]);
-    }
-}
-
 /// Counts must have been checked, so that this stays far inside 64 bits.
 std::int64_t ImageBytes(const ImageHead& head) {
     return std::int64_t(kHeadBytes) + head.capacity * (kFrameBytes + head.unitCount * kUnitFrameBytes);

@@ -12,7 +12,7 @@ namespace tavrik {
 struct RoadGround {
     double widthMetres = 10.0;  // of the road, level across or banked
     double vergeMetres = 20.0;  // beside it, to both sides
-    double bankDegrees = 0.0;   // in the tightest curves, inwards
+    double bankPercent = 0.0;   // rise over width in the tightest curves, which lean inwards
     double hillMetres = 0.0;    // how high the land rises and falls; the road goes with it
     std::uint64_t seed = 1;     // of the hills
 };

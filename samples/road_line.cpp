@@ -13,8 +13,8 @@ struct Leg {
 };
 
 // Their ways add up to nothing, so that the lap closes by itself.
-constexpr Leg kLegs[] = {{175, 37.5, true},   {75, 25, true},    {25, 25, false},     {37.5, 50, true},  {75, 43.75, true},
-                         {62.5, 31.25, false}, {0, 31.25, true}, {31.25, 50, true}};
+constexpr Leg kLegs[] = {{175, 37.5, true}, {75, 25, true},       {25, 25, false},  {37.5, 50, true},
+                         {75, 43.75, true}, {62.5, 31.25, false}, {0, 31.25, true}, {31.25, 50, true}};
 
 // A quarter is made of ten chords of 9 degrees each, the first one half of that off the straight. Written numbers, since
 // libraries round sines their own ways.

@@ -31,7 +31,7 @@ double HeadingAtStart(const RoadLine& line);
 /// The same way with points about `step` metres apart on each piece, corners kept.
 RoadLine Divided(const RoadLine& line, double step);
 
-/// A lap of our own, 985 m clockwise: straights up to 175 m long, and ten curves to both sides of 25 to 50 m in radius. It
+/// A lap of our own, 985 m clockwise: straights up to 175 m long, and eight curves to both sides of 25 to 50 m in radius. It
 /// begins at the origin, towards +Y.
 RoadLine SampleCircuit();
 

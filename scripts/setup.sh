@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 run_packages=(g++ cmake ninja-build ccache libtinyobjloader-dev libassimp-dev libtinygltf-dev nlohmann-json3-dev libcli11-dev
-    libfmt-dev libfontconfig-dev libfreetype-dev libpng-dev zlib1g-dev fonts-liberation)
+    libfmt-dev libfontconfig-dev libfreetype-dev libpng-dev libjpeg-dev libembree-dev zlib1g-dev fonts-liberation)
 test_packages=(libgtest-dev clang libclang-rt-14-dev nodejs npm)
 
 case "${1:-}" in

@@ -31,12 +31,10 @@ bool AddCar(CarWorld& world, CarRig& rig, WorldScene* scene) {
     return scene == nullptr || scene->CollectPushes(rig, world.pushes, world.pushCount);
 }
 
-/// Both sides of a pair come by, and one of them enters it: the car that came into the world first, or in a car that is hitched
-/// to itself the first slot. Which one has no meaning, only that it hangs on nothing but the scene.
+/// Both sides of a pair come by, and one of them enters it: the car that came into the world first. Which one has no meaning,
+/// only that it hangs on nothing but the scene. A car that is hitched to itself has nothing to hold on to.
 /// @param rank, partnerRank  places of the two cars in the world
-bool Enters(const HitchSlot& slot, int rank, int partnerRank) {
-    return rank != partnerRank ? rank < partnerRank : &slot < slot.partner;
-}
+bool Enters(int rank, int partnerRank) { return rank < partnerRank; }
 
 bool AddJoint(CarWorld& world, const HitchJoint& joint) {
     if (world.jointCount == kMaxJoints) return false;
@@ -53,7 +51,7 @@ bool AddNeighbours(CarWorld& world, int rank, WorldScene* scene) {
         CarRig& partner = *slot.partner->ownerRig;
         const int partnerRank = RankOf(world, partner);
         if (partnerRank == world.carCount && !AddCar(world, partner, scene)) return false;
-        if (Enters(slot, rank, partnerRank) && !AddJoint(world, MakeJoint(rig, slot))) return false;
+        if (Enters(rank, partnerRank) && !AddJoint(world, MakeJoint(rig, slot))) return false;
     }
     return true;
 }

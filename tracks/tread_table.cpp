@@ -8,17 +8,16 @@
 namespace tavrik {
 namespace {
 
-/// Into 0..1; a value just below zero may round up to 1 itself.
+/// Into 0 to less than 1, so that even the largest place has a column and a row behind it.
 float WrapToOne(float place) {
     if (place >= 1.0f) return place - std::trunc(place);
-    return place < 0.0f ? place + 1.0f - std::trunc(place) : place;
+    if (!(place < 0.0f)) return place;
+    const float next = place + 1.0f;
+    // One turn back is all that a tyre asks for; from further back it takes as many as it needs.
+    return next >= 0.0f ? next - std::trunc(next) : WrapToOne(place - std::floor(place));
 }
 
-/// The column behind the last one is the next row's first. Behind the last row the tyre begins again, which only a place right
-/// on the table's edge comes to ask for.
-float EntryAt(const float* map, std::size_t column, std::size_t row) {
-    return map[(row * kTreadColumns + column) % kTreadEntries];
-}
+float EntryAt(const float* map, std::size_t column, std::size_t row) { return map[row * kTreadColumns + column]; }
 
 }  // namespace
 
@@ -30,6 +29,12 @@ SharedTread MakeTread(const std::function<float(float u, float v)>& mono) {
         }
     }
     return table;
+}
+
+SharedTread EmptyTread() {
+    static const auto& empty =
+        *new SharedTread(std::make_shared<const TreadTable>(kTreadEntries, 0.0f));  // outlives every render
+    return empty;
 }
 
 SharedTread EvenTread() {

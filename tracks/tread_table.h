@@ -24,6 +24,8 @@ using SharedTread = std::shared_ptr<const TreadTable>;
 ///
 /// @param mono  the height of the tread at (u, v), both 0..1
 SharedTread MakeTread(const std::function<float(float u, float v)>& mono);
+/// The table that nothing was written to yet: 0 everywhere. All wheels begin with this one.
+SharedTread EmptyTread();
 /// The table of a tyre without a tread map: 1 everywhere. All such tyres share one.
 SharedTread EvenTread();
 

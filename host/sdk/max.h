@@ -5,6 +5,7 @@
 #include "color.h"
 #include "control.h"
 #include "custcont.h"
+#include "graphics_window.h"
 #include "inode.h"
 #include "interval.h"
 #include "ioapi.h"

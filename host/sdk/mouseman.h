@@ -3,7 +3,10 @@
 
 #include "matrix3.h"
 
+class GraphicsWindow;
+class HitData;
 class INode;
+class ModContext;
 
 constexpr int MOUSE_ABORT = 0, MOUSE_POINT = 1, MOUSE_MOVE = 2, MOUSE_DBLCLICK = 3, MOUSE_INIT = 4, MOUSE_UNINIT = 5,
               MOUSE_FREEMOVE = 6;
@@ -19,6 +22,10 @@ class ViewExp {
     virtual bool IsAlive() const = 0;
     /// The node nearest to the eye that was hit last, or null.
     virtual INode* GetClosestHit() { return nullptr; }
+    /// What to draw into; null where nothing can be drawn.
+    virtual GraphicsWindow* getGW() { return nullptr; }
+    /// Takes note that the mouse is on a node. @param dist  from the eye
+    virtual void LogHit(INode*, ModContext*, DWORD /*dist*/, ULONG /*info*/, HitData* = nullptr) {}
 };
 
 class CreateMouseCallBack {

@@ -116,7 +116,7 @@ TEST_F(DriveCommand, HelpsInShort) {
         const ProgramResult result = RunTavrik(folder.path(), arguments);
         EXPECT_EQ(result.status, 0);
         EXPECT_EQ(result.error, "");
-        EXPECT_LT(std::count(result.out.begin(), result.out.end(), '\n'), 30);
+        EXPECT_LT(std::count(result.out.begin(), result.out.end(), '\n'), 36);
     }
     const std::string help = RunTavrik(folder.path(), {"drive", "--help"}).out;
     for (const char* option : {"--ground", "--up", "--unit", "--input", "--seconds", "--fps", "--seed", "--at", "--out",

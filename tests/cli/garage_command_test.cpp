@@ -71,9 +71,13 @@ class Garage : public testing::Test {
         Expect(words);
     }
     /// Drives the first vehicle of the scene and reads all of them, in their order.
+    /// @param hands  empty: the car drives itself
     std::vector<Driven> Drive(const std::string& hands, double seconds) const {
-        folder.Write("hands.csv", hands);
-        std::vector<std::string> words = {"drive", "scene.glb", "--input", "hands.csv", "--seconds", std::to_string(seconds)};
+        std::vector<std::string> words = {"drive", "scene.glb", "--seconds", std::to_string(seconds)};
+        if (!hands.empty()) {
+            folder.Write("hands.csv", hands);
+            words.insert(words.end(), {"--input", "hands.csv"});
+        }
         if (Expect({"info", "scene.glb"}).find("Tow car") != std::string::npos) {
             words.insert(words.end(), {"--master", "Tow car"});
         }
@@ -123,8 +127,9 @@ bool Has(const std::string& text, const std::string& part) { return text.find(pa
 
 TEST_F(Garage, ListTellsEverySceneInALine) {
     const std::string list = Expect({"garage", "list"});
-    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 6) << list;
-    for (const char* name : {"trailer ", "two-trailers ", "motorcycle ", "six-wheeler ", "timed-push ", "animated-push "}) {
+    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 8) << list;
+    for (const char* name :
+         {"trailer ", "two-trailers ", "motorcycle ", "six-wheeler ", "timed-push ", "animated-push ", "chase ", "lap "}) {
         EXPECT_TRUE(Has(list, name)) << list;
     }
 }
@@ -301,6 +306,41 @@ TEST_F(Garage, AnAnimatedPushFollowsItsKeys) {
     EXPECT_GT(gain(7.5, 8.0), gain(5.75, 6.25));
 }
 
+// ---------------------------------------------------------------------------------------------------------------- by itself
+
+TEST_F(Garage, TheChasingCarCatchesUpWithItsBlockAndStaysThere) {
+    Make("chase");
+    const std::vector<Driven> vehicles = Drive("", 60.0);
+    // The block circles 40 m in radius at 40 km/h about a spot beside and before the start.
+    constexpr double kRadius = 4000.0, kTurn = 6.283185307179586 * kRadius / (100'000.0 * 40.0 / 3600.0);
+    double worst = 0.0;
+    for (double seconds = 20.0; seconds < 59.9; seconds += 0.1) {
+        const double angle = 6.283185307179586 * seconds / kTurn;
+        const DPoint3 car = vehicles.front().Reading(seconds).position;
+        const double x = kRadius * (1.0 - std::cos(angle)) - car.x, y = 1500.0 + kRadius * std::sin(angle) - car.y;
+        worst = std::max(worst, std::sqrt(x * x + y * y));
+    }
+    EXPECT_LT(worst, 150.0);
+    EXPECT_GT(vehicles.front().LeastUpright(), 0.95);
+}
+
+TEST_F(Garage, TheCircuitIsDrivenRoundByItself) {
+    Make("lap");
+    const std::string out = Expect({"drive", "scene.glb", "--laps", "1", "--cruise", "45"});
+    EXPECT_TRUE(Has(out, "Lap       1 in 8")) << out;
+    const std::vector<Driven> vehicles = ReadScene();
+    EXPECT_GT(vehicles.front().LeastUpright(), 0.95);
+}
+
+TEST_F(Garage, TheCircuitNeedsItsRoomOnAnotherGround) {
+    Expect({"ground", "plane", "--triangles", "200", "--out", "ground.obj"});
+    const ProgramResult result =
+        RunTavrik(folder.path(), {"garage", "make", "lap", "--ground", "ground.obj", "--out", "scene.glb"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(Has(result.error, "no room")) << result.error;
+    EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+}
+
 // --------------------------------------------------------------------------------------------------------------------- golden
 
 struct GoldenRun {
@@ -318,7 +358,8 @@ INSTANTIATE_TEST_SUITE_P(Scenes, GoldenGarage,
                                          GoldenRun{"motorcycle", 0x5527502357d7f7fb},
                                          GoldenRun{"six-wheeler", 0xb80d8601e7fb2334},
                                          GoldenRun{"timed-push", 0x26fe560cbb38bda9},
-                                         GoldenRun{"animated-push", 0xa578ddab74539d9b}),
+                                         GoldenRun{"animated-push", 0xa578ddab74539d9b}, GoldenRun{"chase", 0x2d39baeb3af02d0d},
+                                         GoldenRun{"lap", 0xf1c6aef950841792}),
                          [](const auto& named) {
                              std::string name = named.param.name;
                              std::replace(name.begin(), name.end(), '-', '_');
@@ -327,7 +368,8 @@ INSTANTIATE_TEST_SUITE_P(Scenes, GoldenGarage,
 
 TEST_P(GoldenGarage, DriveIsTheSameBitForBit) {
     Make(GetParam().name);
-    const std::uint64_t hash = HashOf(Drive(kRoundTheBlock, 12.0));
+    const std::string name = GetParam().name;
+    const std::uint64_t hash = HashOf(Drive(name == "chase" || name == "lap" ? "" : kRoundTheBlock, 12.0));
     EXPECT_EQ(hash, GetParam().hash) << "0x" << std::hex << hash;
 }
 

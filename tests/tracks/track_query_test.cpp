@@ -48,6 +48,19 @@ TEST(TrackQuery, AStretchShowsOnceTheWheelHasLeftIt) {
     EXPECT_EQ(darkness(15 * 32), darkness(kLater));
 }
 
+TEST(TrackAccumulate, AddsNothingBeforeTheEndOfItsStretch) {
+    TrackSegment segment;
+    ASSERT_EQ(Init(segment, ToMatrix3(test::RolledTo({0, 0, 0}, 0.0)), ToMatrix3(test::RolledTo({0, 20, 0}, 0.6)), 30.0f, 10.0f,
+                   0, 32, 64, 1),
+              SegmentResult::Good);
+    TrackSum before, after;
+    TrackAccumulate(segment, nullptr, nullptr, {0, 10, -29.0f}, 63, Visible(), before);
+    TrackAccumulate(segment, nullptr, nullptr, {0, 10, -29.0f}, 64, Visible(), after);
+    EXPECT_EQ(before.value, 0.0f);
+    EXPECT_EQ(LengthSquared(before.bump), 0.0f);
+    EXPECT_GT(after.value, 0.0f);
+}
+
 TEST(TrackQuery, BesideTheTrackAllIsWhite) {
     const auto rig = LockedWheels();
     Roll(*rig, 30, 20.0);

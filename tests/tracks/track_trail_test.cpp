@@ -226,21 +226,44 @@ TEST(TrackTrail, AWheelWithoutASizeLeavesNothing) {
     EXPECT_EQ(trail->count, 0);
 }
 
-TEST(TrackTrail, ManySegmentsOnOneSpotFarOutDoNotSplitForEver) {
-    const auto rig = LockedWheels();
-    rig->units[0].Radius = rig->units[0].Width = 0.001;
-    const DPoint3 far = {8e8, 8e8, 8e8};
-    rig->wheelBodies[0].frame.row[3] = far;
-    rig->InitMotion();
-    for (int f = 0; f < 500; ++f) {
-        rig->wheelBodies[0].frame.row[3] = far + DPoint3{f % 2 * 64.0, 0.0, 0.0};
-        rig->Store(f);
-    }
+/// A trail of bounds alone, all in one box.
+TrackTrail TrailOfBounds(int count, float radius, const Box3& bound, const Box3& box) {
     TrackTrail trail;
-    std::string notice;
-    trail.Build(*rig, notice);
-    EXPECT_EQ(trail.built, 1u);
-    EXPECT_LT(trail.cells.size(), 100'000u);
+    std::vector<std::uint32_t> list;
+    for (int i = 0; i < count; ++i) {
+        TrackSegment& segment = trail.segments.emplace_back();
+        segment.Radius = radius;
+        segment.bound = bound;
+        list.push_back(std::uint32_t(i));
+    }
+    trail.cube = box;
+    trail.root = BuildCell(trail, list, box, 0);
+    return trail;
+}
+
+TEST(TrackTrail, ABoundThatOnlyTouchesACentrePlaneIsInBothHalves) {
+    const Box3 box = {{-8, -8, -8}, {8, 8, 8}};
+    for (const Box3& bound : {Box3{{0, 0, 0}, {5, 5, 5}}, Box3{{-5, -5, -5}, {0, 0, 0}}}) {
+        const TrackTrail trail = TrailOfBounds(1, 9.0f, bound, box);
+        ASSERT_FALSE(trail.root.IsLeaf());
+        for (const TrackCell& child : trail.cells[0].child) EXPECT_EQ(child.count, 1u);
+    }
+    const TrackTrail trail = TrailOfBounds(1, 9.0f, {{0.001f, -5, -5}, {5, 5, -0.001f}}, box);
+    EXPECT_TRUE(trail.LeafAt({-1, 1, -1}).empty());
+    EXPECT_TRUE(trail.LeafAt({1, 1, 1}).empty());
+    EXPECT_EQ(trail.LeafAt({1, 1, -1}).size(), 1u);
+    EXPECT_EQ(trail.LeafAt({1, -1, -1}).size(), 1u);
+}
+
+TEST(TrackTrail, FarOutWhereHalvesCannotBeToldApartACellIsALeaf) {
+    // Numbers lie 64 apart there, and half of that is rounded up from an odd one: a lower half would be the cell itself.
+    const float low = 8e8f + 64.0f;
+    for (const float side : {64.0f, 256.0f}) {
+        const Box3 box = {{low, low, low}, {low + side, low + side, low + side}};
+        const TrackTrail trail = TrailOfBounds(60, 0.001f, box, box);
+        EXPECT_LT(trail.cells.size(), 1'000u);
+        EXPECT_FALSE(trail.LeafAt(box.pmax).empty());
+    }
 }
 
 TEST(TrackTrail, StoresFramesWithinItsBoundOnly) {

@@ -97,13 +97,22 @@ TEST(SampleTread, ComesRoundAgainOutsideOfTheMap) {
     }
 }
 
-TEST(SampleTread, BehindTheLastColumnComesTheNextRow) {
+TEST(SampleTread, JustBelowZeroIsTheFirstColumn) {
+    // One turn on, such a place rounds to 1, which is 0.
     std::vector<float> map(kTreadEntries);
-    map[10 * 512 + 511] = 1.0f;
-    map[11 * 512] = 4.0f;  // what stands behind it in memory
-    // Just below zero rounds up to the far edge itself.
-    const TreadSample sample = SampleTread(map.data(), -1e-9f, 10.0f / 2047.0f);
-    EXPECT_EQ(sample.gradient.x, 4.0f - 1.0f);
+    map[10 * 512] = 1.0f;
+    map[10 * 512 + 1] = 4.0f;
+    for (const float place : {-1e-9f, -2.98e-8f, -1.0f}) {
+        EXPECT_EQ(SampleTread(map.data(), place, 10.0f / 2047.0f).gradient.x, 4.0f - 1.0f) << place;
+    }
+}
+
+TEST(SampleTread, TheLargestPlaceStillHasANeighbour) {
+    std::vector<float> map(kTreadEntries);
+    map[2046 * 512 + 510] = 1.0f;
+    map[2047 * 512 + 511] = 7.0f;
+    const TreadSample sample = SampleTread(map.data(), 0.99999994f, 0.99999994f);
+    EXPECT_EQ(sample.gradient.x, 7.0f - 1.0f);
 }
 
 TEST(SampleTread, NeverReadsBesideTheTable) {

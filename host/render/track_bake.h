@@ -1,0 +1,60 @@
+#pragma once
+/// Tyre tracks as pictures that lie on the ground, for renderers that know nothing of them.
+
+#include <functional>
+#include <string>
+
+#include "host/render/ray_scene.h"
+#include "host/render/track_painter.h"
+#include "host/rgb_image.h"
+
+namespace tavrik_host {
+
+struct BakedTracks {
+    tavrik::RgbImage color;  // what the ground's colour is multiplied by, as sRGB; white where no tyre was
+    tavrik::RgbImage bump;   // a normal map in the ground's tangents, green up; empty if it wasn't asked for
+};
+
+/// Which place of the ground each pixel shows. Made once for all pictures of a sequence.
+class TrackLayout {
+ public:
+    /// Lays the pictures out by the ground's own texture coordinates, or, where it has none or repeats them, straight down on a
+    /// square around it.
+    /// @param problem  on false: one sentence without the file's name
+    bool Build(const RenderModel& model, const RayFrame& frame, int size, std::string& problem);
+
+    bool IsFlat() const { return isFlat_; }
+    /// Of the square, scene units.
+    Point2 Low() const { return low_; }
+    float Side() const { return side_; }
+
+    /// @param threads  0: as many as there are cores. The bytes are the same with any number
+    BakedTracks Bake(const TrackPainter& tracks, TimeValue tick, bool withBump, int threads,
+                     const std::function<void(double)>& done) const;
+
+ private:
+    struct Triangle {
+        std::size_t thing = 0;
+        Point3 points[3], normals[3];
+        Point2 spots[3];  // across and down the picture, 0..1
+    };
+    struct Place;
+    bool TakeTriangles(const RenderModel& model, const RayFrame& frame);
+    void LayFlat();
+    void Fill();
+    void FillWith(std::uint32_t triangle);
+    void PaintRow(int row, const TrackPainter& tracks, TimeValue tick, BakedTracks& baked) const;
+    void Widen(tavrik::RgbImage& image) const;
+
+    const RenderModel* model_ = nullptr;
+    const RayFrame* frame_ = nullptr;
+    int size_ = 0;
+    bool isFlat_ = false;
+    Point2 low_{0, 0};
+    float side_ = 1.0f;
+    std::vector<Triangle> triangles_;
+    std::vector<std::uint32_t> shown_;  // of each pixel: which triangle, from 1; 0: none
+    std::vector<float> heights_;        // while a flat layout is filled: the topmost ground counts
+};
+
+}  // namespace tavrik_host
