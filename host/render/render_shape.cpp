@@ -14,7 +14,7 @@ namespace tavrik_host {
 namespace {
 
 constexpr int kByte = 5120, kUnsignedByte = 5121, kShort = 5122, kUnsignedShort = 5123, kFloat = 5126;
-constexpr std::size_t kTriangles = 4, kStrip = 5;
+constexpr std::size_t kTriangles = 4;
 
 std::size_t SizeAt(const Json& object, const char* key, std::size_t otherwise = 0) {
     const Json* value = Find(object, key);
