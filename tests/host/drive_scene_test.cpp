@@ -238,7 +238,7 @@ TEST(NearestTurn, SeesALeftHandedFrameAsAMirroredZAxis) {
 TEST(NearestTurn, RefusesRowsThatSpanNoSpace) {
     Turn turn;
     EXPECT_FALSE(NearestTurn({{{1, 0, 0}, {1, 0, 0}, {0, 0, 1}, {0, 0, 0}}}, turn));
-    EXPECT_FALSE(NearestTurn({{{NAN, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}}, turn));
+    EXPECT_FALSE(NearestTurn({{{std::nan(""), 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}}, turn));
 }
 
 }  // namespace
