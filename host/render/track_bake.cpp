@@ -24,7 +24,7 @@ std::uint8_t ToColorByte(float linear) {
 
 /// Where a place lies in a triangle: its shares of the three corners.
 struct Shares {
-    double a, b, c;
+    double a = 0.0, b = 0.0, c = 0.0;
 };
 
 bool SharesOf(const Point2* corners, double x, double y, Shares& shares) {
