@@ -77,8 +77,8 @@ int tavrik::RunRender(const RenderOrder& order) {
     if (!done) return tavrik_cli::Fail(problem);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     for (const std::string& note : result.notes) fmt::print("Note      {}\n", note);
-    fmt::print("Written   {}: {} pictures of {} x {} in {:.1f} s", order.out, result.written, order.width, order.height,
-               seconds);
+    fmt::print("Written   {}: {} {} of {} x {} in {:.1f} s", order.out, result.written,
+               result.written == 1 ? "picture" : "pictures", order.width, order.height, seconds);
     fmt::print("{}\n", result.kept > 0 ? fmt::format("; {} were there already", result.kept) : "");
     return kExitOk;
 }

@@ -87,6 +87,11 @@ std::string Complaint(const Standing& car, double seconds) {
             "ground",
             name, seconds, car.sink * metres);
     }
+    const bool rests = car.speed <= kRestSeconds * gravity && car.tilt <= kMostTilt;
+    if (!rests && tavrik_host::IntParam(*car.master, MasterParam::Bike_Drive) != 0) {
+        return fmt::format("{} is balanced only while it is driven, so it can't stand by itself; leave its start as it is",
+                           name);
+    }
     if (!(car.speed <= kRestSeconds * gravity)) {
         return fmt::format(
             "{} did not come to rest: after {:g} s it still moves at {:.3f} m/s; give it more --seconds, or start it on more "

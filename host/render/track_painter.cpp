@@ -51,7 +51,7 @@ class TrackPainter::Holder final : public ReferenceMaker {
     Texmap* map_ = nullptr;
 };
 
-TrackPainter::TrackPainter(std::span<INode* const> masters, const TrackLook& look) : darkensWherever_(look.roll > 0.0f) {
+TrackPainter::TrackPainter(std::span<INode* const> masters, const TrackLook& look) {
     for (INode* const master : masters) maps_.push_back(std::make_unique<Holder>(NewMap(*master, look)));
 }
 
@@ -67,9 +67,7 @@ void TrackPainter::Update(TimeValue tick) {
 TrackMark TrackPainter::At(ShadeContext& point) const {
     TrackMark mark;
     for (const auto& map : maps_) {
-        const float value = map->Map().EvalColor(point).r;
-        mark.value *= value;
-        if (value == 1.0f && darkensWherever_) continue;
+        mark.value *= map->Map().EvalColor(point).r;
         mark.bump += map->Map().EvalNormalPerturb(point);
     }
     return mark;

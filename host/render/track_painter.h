@@ -43,7 +43,6 @@ class TrackPainter {
  private:
     class Holder;
     std::vector<std::unique_ptr<Holder>> maps_;
-    bool darkensWherever_ = false;  // a track that bumps has a colour too, so that white ground needs no second question
 };
 
 /// Has all wheels sample their treads, as every render begins.
