@@ -78,10 +78,20 @@ Json Singles(std::initializer_list<double> numbers) {
     return list;
 }
 
-/// Animations that the document brings go on in their own time, and the motion of nodes keeps step with them.
-std::optional<TimeValue> KeptTime(const SceneDocument& document) {
-    if (Find(document.json, "animations") == nullptr) return std::nullopt;
-    return document.secondZero;
+/// Animations that the document brings go on in their own time, and the motion of nodes keeps step with them. Those whose nodes
+/// are all gone are gone too, and their time with them.
+std::optional<TimeValue> KeptTime(const SceneDocument& document, const NodeTree& tree) {
+    const Json* const animations = Find(document.json, "animations");
+    if (animations == nullptr) return std::nullopt;
+    std::set<ULONG> handles;
+    for (INode* const node : tree.nodes) handles.insert(node->GetHandle());
+    for (const Json& animation : *animations) {
+        for (const Json& channel : animation["channels"]) {
+            const Json* const node = Find(channel["target"], "node");
+            if (node == nullptr || handles.contains(node->get<ULONG>())) return document.secondZero;
+        }
+    }
+    return std::nullopt;
 }
 
 /// One file in the making.
@@ -90,7 +100,8 @@ class SceneWriter {
     SceneWriter(const SceneDocument& document, BakedKeys keys, bool withExtension)
         : document_(document),
           tree_(TheNodes()),
-          motion_(BakeMotion(tree_, keys, KeptTime(document))),
+          keptTime_(KeptTime(document, tree_)),
+          motion_(BakeMotion(tree_, keys, keptTime_)),
           glb_(document.json, document.binary),
           withExtension_(withExtension) {
         order_.resize(tree_.nodes.size());
@@ -268,7 +279,7 @@ class SceneWriter {
         extras["firstFrame"] = range.Start() / step;
         extras["lastFrame"] = range.End() / step;
         extras["ticksPerSecond"] = TIME_TICKSPERSEC;
-        if (!motion_.nodes.empty() || KeptTime(document_)) extras["firstKeyTick"] = motion_.secondZero;
+        if (!motion_.nodes.empty() || keptTime_) extras["firstKeyTick"] = motion_.secondZero;
         Json ordered = Json::object(), value;
         for (const char* key : {"name", "nodes", "extensions", "extras"}) {
             if (Take(scene, key, value)) ordered[key] = std::move(value);
@@ -280,6 +291,7 @@ class SceneWriter {
 
     const SceneDocument& document_;
     const NodeTree tree_;
+    const std::optional<TimeValue> keptTime_;
     const BakedMotion motion_;
     GlbWriter glb_;
     const bool withExtension_;

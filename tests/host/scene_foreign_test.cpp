@@ -187,6 +187,14 @@ TEST_F(ForeignScene, MovesInStepWithItsMorphs) {
     EXPECT_EQ(json["scenes"][0]["extras"]["firstKeyTick"], 0);
 }
 
+TEST_F(ForeignScene, ForgetsTheTimeOfMorphsWhoseNodesAreGone) {
+    const SceneDocument document = LoadedScene(Model());
+    for (INode* node : AllNodes()) GetCOREInterface()->DeleteNode(node);
+    const SceneJson json = JsonOf(SavedScene(document));
+    EXPECT_FALSE(json.contains("animations"));
+    EXPECT_FALSE(json["scenes"][0]["extras"].contains("firstKeyTick"));
+}
+
 TEST_F(ForeignScene, GetsKeysThatMoveItsNodes) {
     LoadedScene(Model());
     auto& joint = dynamic_cast<PrsControl&>(*GetCOREInterface()->GetINodeByHandle(2)->GetTMController());
