@@ -37,12 +37,15 @@ bool LoadScene(const std::filesystem::path& file, SceneDocument& document, std::
 bool LoadSceneBytes(const std::filesystem::path& file, std::string_view bytes, SceneDocument& document, std::string& problem);
 
 /// What the animation in a written file is made of.
-enum class BakedKeys { EverySample, EveryFrame };
+enum class BakedKeys { EverySample, EveryFrame, None };
 
 /// The scene as bytes of a .glb: nodes, document, extension, and the motion of every node that moves as plain glTF animation.
 /// The same scene gives the same bytes.
 /// @param problem  on false: what can't be written, without a file's name
 bool MakeSceneFile(const SceneDocument& document, std::string& bytes, std::string& problem);
+
+/// The same without the animation, which follows from the rest: for programs that come back to the scene, and in a hurry.
+bool MakeSnapshot(const SceneDocument& document, std::string& bytes, std::string& problem);
 
 /// The same without the extension: for programs that show and play. Helpers without a mesh below them stay as empty nodes.
 bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem);

@@ -250,7 +250,7 @@ BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeV
         if (player.Moves(i)) writers.emplace_back(i, MetresPerUnit());
     }
     std::vector<DMatrix3> rest = player.local;
-    if (!writers.empty()) {
+    if (!writers.empty() && keys != BakedKeys::None) {
         const std::vector<TimeValue> wanted = KeyTicks(tree, keys);
         motion.secondZero = std::min(secondZero.value_or(wanted.front()), wanted.front());
         const std::vector<TimeValue> ticks = Distinct(wanted, motion.secondZero, motion.seconds);

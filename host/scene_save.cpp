@@ -338,6 +338,12 @@ bool MakeSceneFile(const SceneDocument& document, std::string& bytes, std::strin
     return true;
 }
 
+bool MakeSnapshot(const SceneDocument& document, std::string& bytes, std::string& problem) {
+    if (!Make(document, BakedKeys::None, /*withExtension=*/true, bytes, problem)) return false;
+    SealScene(bytes);
+    return true;
+}
+
 bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem) {
     return Make(document, keys, /*withExtension=*/false, bytes, problem);
 }
