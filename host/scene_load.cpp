@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <new>
+#include <set>
 #include <utility>
 
 #include "host/gltf_document.h"
@@ -40,21 +41,28 @@ void NameNodesByHandle(Json& json, const SceneRecords& records) {
     }
 }
 
-/// Leaves of the animations what controllers don't know: morph weights, and what extensions move.
-void KeepOtherAnimations(Json& json) {
+/// Leaves of the animations what controllers don't know: morph weights, and what extensions move. What moves a node that isn't
+/// in the scene moves nothing.
+void KeepOtherAnimations(Json& json, const SceneRecords& records) {
     Json animations;
     if (!Take(json, "animations", animations)) return;
+    std::set<std::size_t> nodes;
+    for (const NodeRecord& node : records.nodes) nodes.insert(std::size_t(node.file));
+    const auto isOfNoNode = [&](const Json& channel) {
+        const Json* const node = Find(channel["target"], "node");
+        return node != nullptr && !(node->is_number() && nodes.contains(node->get<std::size_t>()));
+    };
     Json kept = Json::array();
     for (Json& animation : animations) {
         const Json samplers = animation.contains("samplers") ? animation["samplers"] : Json::array();
         Json channels = Json::array(), used = Json::array();
         for (Json& channel : animation["channels"]) {
-            if (MovesNode(channel)) continue;
+            ObjectOf(Need(channel, "target", "a channel"), "the target of a channel");
+            if (MovesNode(channel) || isOfNoNode(channel)) continue;
             const std::size_t sampler =
                 IndexInto(Need(channel, "sampler", "a channel"), samplers.size(), "samplers", "a sampler");
             channel["sampler"] = used.size();
             used.push_back(samplers[sampler]);
-            ObjectOf(Need(channel, "target", "a channel"), "the target of a channel");
             channels.push_back(std::move(channel));
         }
         if (channels.empty()) continue;
@@ -106,7 +114,7 @@ Json ShownScene(Json& json) {
 SceneDocument MakeDocument(GltfFile gltf, const SceneRecords& records) {
     Json& json = gltf.json;
     const OwnData own = FindOwnData(json);
-    KeepOtherAnimations(json);
+    KeepOtherAnimations(json, records);
     NameNodesByHandle(json, records);
     EraseOurs(json);
     EraseName(json, "extensionsUsed");

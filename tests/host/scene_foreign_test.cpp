@@ -195,6 +195,16 @@ TEST_F(ForeignScene, ForgetsTheTimeOfMorphsWhoseNodesAreGone) {
     EXPECT_FALSE(json["scenes"][0]["extras"].contains("firstKeyTick"));
 }
 
+TEST_F(ForeignScene, LetsAnAnimationGoThatMovesNoNodeOfTheScene) {
+    const std::string file =
+        Edited(Model(), [](SceneJson& json) { json["animations"][0]["channels"][2]["target"]["node"] = 77; });
+    const std::string first = SavedScene(LoadedScene(file));
+    const SceneJson json = JsonOf(first);
+    ASSERT_EQ(json["animations"].size(), 1u);
+    EXPECT_EQ(json["animations"][0]["name"], "motion");
+    EXPECT_EQ(SavedScene(LoadedScene(first)), first);
+}
+
 TEST_F(ForeignScene, GetsKeysThatMoveItsNodes) {
     LoadedScene(Model());
     auto& joint = dynamic_cast<PrsControl&>(*GetCOREInterface()->GetINodeByHandle(2)->GetTMController());
