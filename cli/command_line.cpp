@@ -72,11 +72,13 @@ bool MakeSceneDrive(const CLI::App& app, const DriveWords& words, const DriveFil
     order.telemetry = files.telemetry;
     order.plot = files.plot;
     if (!MakeSceneDriveOrder(app, words, scene, order, problem)) return false;
+    const std::filesystem::path keys = order.follow ? order.follow->speedKeys : std::filesystem::path();
     // The scene itself may be written in place, but nothing else over it.
-    return CheckFilesApart({{"SCENE", &order.scene}, {"--input", &order.input}},
+    return CheckFilesApart({{"SCENE", &order.scene}, {"--input", &order.input}, {"--speed-keys", &keys}},
                            {{"--telemetry", &order.telemetry}, {"--plot", &order.plot}}, problem) &&
-           CheckFilesApart({{"--input", &order.input}, {"--telemetry", &order.telemetry}, {"--plot", &order.plot}},
-                           {{"--out", &order.out}}, problem);
+           CheckFilesApart(
+               {{"--input", &order.input}, {"--speed-keys", &keys}, {"--telemetry", &order.telemetry}, {"--plot", &order.plot}},
+               {{"--out", &order.out}}, problem);
 }
 
 bool CheckPicture(const std::filesystem::path& out, std::string& problem) {
@@ -113,7 +115,9 @@ void AddDriveOptions(CLI::App& app, DriveWords& words, DriveFileWords& files, Sc
     app.footer(
         "Driver's rows: seconds, steering -1..1, throttle 0..1, brake 0..1, hand brake 0|1, reverse 0|1;\n"
         "each holds until the next. Driver's events: seconds, key-down W | key-up W | mouse X Y | wheel -120 |\n"
-        "pad LX 0.5 RT 1 | ...; all in docs/drive.md. The car stands on the topmost ground at its start; in a Y-up\n"
+        "pad LX 0.5 RT 1 | ...; all in docs/drive.md. Speed keys: \"3 s, throttle\", \"250 m, brake\", \"9 s, none\", one to\n"
+        "a line, each holds until the next; more in docs/follow.md. The car stands on the topmost ground at its start; in a "
+        "Y-up\n"
         "file x,y is x,-z. Files are written when the whole drive went well. Exit status: 1 bad input, 2 wrong usage.");
 }
 
@@ -179,8 +183,8 @@ int TellUsage(std::string message, std::string_view command) {
 /// The words of all commands, and what they came to.
 struct Commands {
     CLI::App app{"Drives a car over a mesh and keeps the motion.", "tavrik"};
-    CLI::App *drive, *make, *garage, *rig, *info, *check, *settle, *bake, *render, *tracks;
-    CLI::App *reset, *ground, *path, *controls, *hud, *stand;
+    CLI::App *drive, *make, *garage, *rig, *info, *check, *panel, *settle, *bake, *render, *tracks, *gizmo;
+    CLI::App *reset, *ground, *path, *controls, *hud, *stand, *studio;
     DriveWords driveWords, hudDriveWords, newWords, garageWords, rigDriveWords;
     RigWords rigWords;
     SceneWords driveScene, newScene, garageScene, infoScene, checkScene, settleScene, bakeScene, resetScene;
@@ -188,7 +192,9 @@ struct Commands {
     GroundWords groundWords;
     PathWords pathWords;
     PictureWords renderWords, tracksWords;
+    GizmoWords gizmoWords;
     ControlsOrder controlsOrder;
+    PanelOrder panelOrder;
     HudWords hudWords;
     StandOrder standOrder;
 
@@ -202,26 +208,33 @@ struct Commands {
         drive = app.add_subcommand("drive", "Drive the car of a scene, or the stock car over a ground");
         info = app.add_subcommand("info", "Tell what is in a scene, and what its cars leave out");
         check = app.add_subcommand("check", "Tell what will go wrong with the cars of a scene");
+        panel = app.add_subcommand("panel", "Show the panel of a car or a part, and set what is on it");
         settle = app.add_subcommand("settle", "Let a car come to rest on its ground, and start it from there");
         bake = app.add_subcommand("bake", "Write a scene's motion as plain glTF for other programs");
         render = app.add_subcommand("render", "Take pictures of a scene, with tyre tracks");
         tracks = app.add_subcommand("tracks", "Bake tyre tracks into pictures that lie on the ground");
+        gizmo = app.add_subcommand("gizmo", "Take a picture of a rig's lines over its scene");
         reset = app.add_subcommand("reset", "Unlock the cars of a scene");
         ground = app.add_subcommand("ground", "Make a ground to drive on");
         path = app.add_subcommand("path", "Bring lines into a scene, for its car to follow");
         controls = app.add_subcommand("controls", "Show, set or reset the keys and buttons that drive");
         hud = app.add_subcommand("hud", "Paint the drive window as it looks at some second of a drive");
         stand = app.add_subcommand("stand", "Paint a damper on its running-in stand");
+        studio = app.add_subcommand("studio", "Open the desktop application: drive with your own hands");
+        // Its words, "--help" among them, are the application's.
+        studio->prefix_command()->set_help_flag();
         AddNewOptions(*make, newWords, newScene);
         AddGarageOptions(*garage, garageWords, garageScene);
         AddRigOptions(*rig, rigDriveWords, rigWords);
         AddDriveOptions(*drive, driveWords, driveFiles, driveScene);
         AddInfoOptions(*info, infoScene);
         AddCheckOptions(*check, checkScene);
+        AddPanelOptions(*panel, panelOrder);
         AddSettleOptions(*settle, settleScene);
         AddBakeOptions(*bake, bakeScene);
         AddRenderOptions(*render, renderWords);
         AddTracksOptions(*tracks, tracksWords);
+        AddGizmoOptions(*gizmo, gizmoWords);
         AddResetOptions(*reset, resetScene);
         AddGroundOptions(*ground, groundWords);
         AddPathOptions(*path, pathWords);
@@ -237,8 +250,8 @@ struct Commands {
 
     /// The command at hand, for messages.
     std::string Name() const {
-        for (const CLI::App* command :
-             {make, garage, rig, drive, info, check, settle, bake, render, tracks, reset, ground, path, controls, hud, stand}) {
+        for (const CLI::App* command : {make, garage, rig, drive, info, check, panel, settle, bake, render, tracks, gizmo,
+                                        reset, ground, path, controls, hud, stand, studio}) {
             if (command->parsed()) return command->get_name() + " ";
         }
         return "";
@@ -256,11 +269,15 @@ bool FillOrder(const Commands& commands, Order& order, std::string& problem) {
     }
     if (commands.info->parsed()) return MakeInfoOrder(commands.infoScene, order.info.emplace(), problem);
     if (commands.check->parsed()) return MakeCheckOrder(commands.checkScene, order.check.emplace(), problem);
+    if (commands.panel->parsed()) return MakePanelOrder(commands.panelOrder, order.panel.emplace(), problem);
     if (commands.settle->parsed()) return MakeSettleOrder(commands.settleScene, order.settle.emplace(), problem);
     if (commands.bake->parsed()) return MakeBakeOrder(commands.bakeScene, order.bake.emplace(), problem);
     if (commands.render->parsed()) return MakeRenderOrder(commands.renderWords, order.render.emplace(), problem);
     if (commands.tracks->parsed()) {
         return MakeTracksOrder(*commands.tracks, commands.tracksWords, order.tracks.emplace(), problem);
+    }
+    if (commands.gizmo->parsed()) {
+        return MakeGizmoOrder(*commands.gizmo, commands.gizmoWords, order.gizmo.emplace(), problem);
     }
     if (commands.reset->parsed()) return MakeResetOrder(commands.resetScene, order.reset.emplace(), problem);
     if (commands.drive->parsed() && !commands.driveScene.scene.empty()) {
@@ -276,6 +293,10 @@ bool FillOrder(const Commands& commands, Order& order, std::string& problem) {
     if (commands.path->parsed()) return MakePathOrder(commands.pathWords, order.path.emplace(), problem);
     if (commands.controls->parsed()) {
         order.controls = commands.controlsOrder;
+        return true;
+    }
+    if (commands.studio->parsed()) {
+        order.studio.emplace().words = commands.studio->remaining();
         return true;
     }
     if (commands.hud->parsed()) return MakeHudOrder(commands.hudDriveWords, commands.hudWords, order.hud.emplace(), problem);

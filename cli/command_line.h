@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/follow_words.h"
+#include "cli/gizmo_words.h"
 #include "cli/prepared_drive.h"
 #include "cli/render_words.h"
 #include "cli/rig_order.h"
@@ -63,6 +65,20 @@ struct InfoOrder {
 /// `tavrik check`
 struct CheckOrder {
     std::filesystem::path scene;
+};
+
+/// `tavrik studio`
+struct StudioOrder {
+    std::vector<std::string> words;  // as the desktop application takes them
+};
+
+/// `tavrik panel`
+struct PanelOrder {
+    std::filesystem::path scene, out;  // no `out`: in place
+    std::string node;
+    std::vector<std::string> sets;  // "CONTROL=VALUE", in this order; empty: show the panel and write nothing
+    bool motion = false;            // of the node's controller
+    bool json = false;
 };
 
 /// `tavrik settle`
@@ -126,10 +142,13 @@ struct Order {
     std::optional<RigOrder> rig;
     std::optional<InfoOrder> info;
     std::optional<CheckOrder> check;
+    std::optional<PanelOrder> panel;
+    std::optional<StudioOrder> studio;
     std::optional<SettleOrder> settle;
     std::optional<BakeOrder> bake;
     std::optional<RenderOrder> render;
     std::optional<TracksOrder> tracks;
+    std::optional<GizmoOrder> gizmo;
     std::optional<ResetOrder> reset;
     std::optional<GroundOrder> ground;
     std::optional<PathOrder> path;
@@ -151,6 +170,9 @@ int RunNew(const NewOrder& order);
 int RunGarage(const GarageOrder& order);
 int RunInfo(const InfoOrder& order);
 int RunCheck(const CheckOrder& order);
+int RunPanel(const PanelOrder& order);
+/// Becomes the desktop application; comes back only where that can't be had.
+int RunStudio(const StudioOrder& order);
 int RunSettle(const SettleOrder& order);
 int RunBake(const BakeOrder& order);
 int RunReset(const ResetOrder& order);

@@ -7,6 +7,7 @@
 
 #include "drive/input_modes.h"
 #include "drive/window_messages.h"
+#include "host/read_file.h"
 #include "host/rig_objects.h"
 #include "host/sdk/standin.h"
 #include "host/wide_text.h"
@@ -49,15 +50,37 @@ bool FollowRun::FindTarget(const tavrik::FollowOrder& order, std::string& proble
 }
 
 bool FollowRun::CheckHands(const tavrik::FollowOrder& order, bool noHands, std::string& problem) const {
-    if (kind_ != FollowKind::Road && (order.cruise || order.laps > 0)) {
+    if (kind_ != FollowKind::Road && (order.cruise || order.laps > 0 || !order.speedKeys.empty())) {
         problem =
-            fmt::format("\"{}\" moves by itself and gives the speed too; --cruise and --laps are for lines.", NameOf(*target_));
+            fmt::format("\"{}\" moves by itself and gives the speed too; --cruise, --speed-keys and --laps are for lines.",
+                        NameOf(*target_));
     } else if (!noHands && !run_->hands.ByEvents()) {
         problem = "a table of rows has wheel and pedals to itself; beside --follow the driver's --input takes events.";
     } else if (order.laps > 1 && !LineOf(*target_).closed) {
         problem = fmt::format("\"{}\" is an open line, which is passed once; give --laps 1.", NameOf(*target_));
     }
     return problem.empty();
+}
+
+bool FollowRun::SetPedals(const tavrik::FollowOrder& order, bool noHands, std::string& problem) {
+    if (!noHands) return true;
+    run_->beforeFrame = [this](int frame) { PressPedals(frame); };
+    if (order.speedKeys.empty()) {
+        cruise_ = order.cruise ? *order.cruise : kUsualCruise;
+        keys_ = std::make_unique<tavrik::CruiseKeys>(MetresPerSecond(cruise_) / tavrik_host::MetresPerUnit());
+        return true;
+    }
+    std::string text;
+    tavrik::PedalScript script;
+    const tavrik::PedalBindings bindings{.throttle = tavrik_host::IntParam(run_->master, MasterParam::CtrlKbdThrottle),
+                                         .brake = tavrik_host::IntParam(run_->master, MasterParam::CtrlKbdBreak),
+                                         .handBrake = tavrik_host::IntParam(run_->master, MasterParam::CtrlKbdHandBreak)};
+    if (!tavrik::ReadWholeFile(order.speedKeys, text, problem) ||
+        !tavrik::ReadPedalScriptText(order.speedKeys.string(), text, bindings, script, problem)) {
+        return false;
+    }
+    pedals_ = std::make_unique<tavrik::PedalPlayer>(std::move(script));
+    return true;
 }
 
 void FollowRun::SetLength(bool mayLast) {
@@ -85,13 +108,9 @@ bool FollowRun::Prepare(const std::optional<tavrik::FollowOrder>& order, SceneRu
     if (wanted.rudder) tavrik_host::SetParam(run.master, MasterParam::Rudder_Sensitivity, float(*wanted.rudder));
     run.byTarget = true;
     if (kind_ != FollowKind::Road) return true;
-    if (noHands) {
-        cruise_ = wanted.cruise ? *wanted.cruise : kUsualCruise;
-        keys_ = std::make_unique<tavrik::CruiseKeys>(MetresPerSecond(cruise_) / tavrik_host::MetresPerUnit());
-        run.beforeFrame = [this](int frame) { PressPedals(frame); };
-    }
+    if (!SetPedals(wanted, noHands, problem)) return false;
     SetLength(mayLast);
-    if (laps_ > 0) run.afterFrame = [this](int frame) { return GoesOn(frame); };
+    if (laps_ > 0 || (pedals_ && pedals_->ByMetres())) run.afterFrame = [this](int frame) { return GoesOn(frame); };
     return true;
 }
 
@@ -106,16 +125,25 @@ TimeValue FollowRun::LastSample(int frame) const {
     return run_->from + frame * perFrame - sample;
 }
 
-void FollowRun::PressPedals(int frame) {
+double FollowRun::SpeedBefore(int frame) {
     const int perFrame = GetTicksPerFrame();
     const TimeValue now = LastSample(frame);
-    double speed = 0.0;
-    if (now >= perFrame) {
-        const DPoint3 way = PlaceAt(now) - PlaceAt(now - perFrame);
-        const Point3 ahead = chassis_ == nullptr ? Point3(0, 1, 0) : chassis_->GetObjectTM(now).GetRow(1);
-        speed = Dot(way, {double(ahead.x), double(ahead.y), double(ahead.z)}) * tavrik::kTicksPerSecond / perFrame;
+    if (now < perFrame) return 0.0;
+    const DPoint3 way = PlaceAt(now) - PlaceAt(now - perFrame);
+    const Point3 ahead = chassis_ == nullptr ? Point3(0, 1, 0) : chassis_->GetObjectTM(now).GetRow(1);
+    return Dot(way, {double(ahead.x), double(ahead.y), double(ahead.z)}) * tavrik::kTicksPerSecond / perFrame;
+}
+
+void FollowRun::PressPedals(int frame) {
+    if (pedals_ != nullptr) {
+        const double seconds = double(frame) * GetTicksPerFrame() / tavrik::kTicksPerSecond;
+        return Hold(pedals_->HoldAt(seconds, progress_->way() * tavrik_host::MetresPerUnit()));
     }
-    const tavrik::CruisePedals wanted = keys_->Decide(speed);
+    const tavrik::CruisePedals wanted = keys_->Decide(SpeedBefore(frame));
+    Hold({.throttle = wanted.throttle, .brake = wanted.brake, .handBrake = false});
+}
+
+void FollowRun::Hold(const tavrik::HeldPedals& wanted) {
     const auto press = [this](std::int32_t param, bool wasDown, bool isDown) {
         if (wasDown == isDown) return;
         const auto key = std::uint64_t(std::uint32_t(tavrik_host::IntParam(run_->master, param)));
@@ -123,13 +151,14 @@ void FollowRun::PressPedals(int frame) {
     };
     press(MasterParam::CtrlKbdThrottle, held_.throttle, wanted.throttle);
     press(MasterParam::CtrlKbdBreak, held_.brake, wanted.brake);
+    press(MasterParam::CtrlKbdHandBreak, held_.handBrake, wanted.handBrake);
     held_ = wanted;
 }
 
 bool FollowRun::GoesOn(int frame) {
     const TimeValue now = LastSample(frame + 1);
     progress_->Add(PlaceAt(now), double(now - run_->from) / tavrik::kTicksPerSecond);
-    return int(progress_->passed().size()) < laps_;
+    return laps_ == 0 || int(progress_->passed().size()) < laps_;
 }
 
 // -------------------------------------------------------------------------------------------------------------- the summary
@@ -152,6 +181,10 @@ std::string FollowRun::RoadSummary(const std::vector<RunReading>& readings) cons
     if (int(progress.passed().size()) < laps_) {
         text += fmt::format("Note      the time was up after {} of {} {}; give more with --seconds\n", progress.passed().size(),
                             laps_, laps_ == 1 ? "lap" : "laps");
+    }
+    if (pedals_ != nullptr && pedals_->Left() > 0) {
+        text += fmt::format("Note      the drive ended before the last {} of the speed keys came\n",
+                            pedals_->Left() == 1 ? "row" : fmt::format("{} rows", pedals_->Left()));
     }
     return text + fmt::format("Off line  {:.2f} m at most, at second {:.1f}; {:.2f} m in the mean\n",
                               progress.largest() * metres, progress.largestAt(), progress.mean() * metres);

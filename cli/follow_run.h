@@ -9,6 +9,7 @@
 #include "cli/scene_run.h"
 #include "drive/cruise_keys.h"
 #include "host/follow_target.h"
+#include "host/pedal_script_file.h"
 #include "host/run_samples.h"
 
 namespace tavrik_cli {
@@ -30,10 +31,13 @@ class FollowRun {
  private:
     bool FindTarget(const tavrik::FollowOrder& order, std::string& problem);
     bool CheckHands(const tavrik::FollowOrder& order, bool noHands, std::string& problem) const;
+    bool SetPedals(const tavrik::FollowOrder& order, bool noHands, std::string& problem);
     void SetLength(bool mayLast);
     /// The tick of the last sample recorded before a frame begins.
     TimeValue LastSample(int frame) const;
+    double SpeedBefore(int frame);
     void PressPedals(int frame);
+    void Hold(const tavrik::HeldPedals& wanted);
     bool GoesOn(int frame);
     tavrik::DPoint3 PlaceAt(TimeValue t);
     std::string RoadSummary(const std::vector<tavrik::RunReading>& readings) const;
@@ -46,7 +50,8 @@ class FollowRun {
     double cruise_ = 0.0;  // km/h; 0: hands have the pedals
     int laps_ = 0;
     std::unique_ptr<tavrik::CruiseKeys> keys_;
-    tavrik::CruisePedals held_;
+    std::unique_ptr<tavrik::PedalPlayer> pedals_;  // null: no script has them
+    tavrik::HeldPedals held_;
     std::unique_ptr<tavrik::RoadProgress> progress_;  // frame by frame
 };
 

@@ -18,6 +18,8 @@ void AddFollowWords(CLI::App& app, FollowWords& words) {
     app.add_option("--follow", words.node, "In a scene: the car drives itself along this line, or after this moving node")
         ->type_name("NODE");
     app.add_option("--cruise", words.cruise, "On a line: km/h to hold with the pedals' keys, default 40")->type_name("KMH");
+    app.add_option("--speed-keys", words.speedKeys, "On a line, instead: pedals by time or distance, see below")
+        ->type_name("FILE");
     app.add_option("--rudder", words.rudder, "With one of these: sets Rudder_Sensitivity; hairpins want about 60")
         ->type_name("N");
     app.add_option("--laps", words.laps, "On a line: ends when it was passed this often")->type_name("N");
@@ -37,8 +39,8 @@ void AddPathOptions(CLI::App& app, PathWords& words) {
 
 bool MakeFollowOrder(const CLI::App& app, const FollowWords& words, std::optional<FollowOrder>& order, std::string& problem) {
     const bool hasNode = app.count("--follow") != 0, hasCruise = app.count("--cruise") != 0, hasLaps = app.count("--laps") != 0;
-    const bool hasRudder = app.count("--rudder") != 0;
-    if (!hasNode && !hasCruise && !hasLaps && !hasRudder) return true;
+    const bool hasRudder = app.count("--rudder") != 0, hasKeys = app.count("--speed-keys") != 0;
+    if (!hasNode && !hasCruise && !hasLaps && !hasRudder && !hasKeys) return true;
     if (hasNode && words.node.empty()) {
         problem = "--follow takes the name of a node";
         return false;
@@ -55,6 +57,15 @@ bool MakeFollowOrder(const CLI::App& app, const FollowWords& words, std::optiona
         problem = "--cruise and --input exclude each other: one of them has the pedals";
         return false;
     }
+    if (hasKeys && (hasCruise || app.count("--input") != 0)) {
+        problem = fmt::format("--speed-keys and {} exclude each other: one of them has the pedals",
+                              hasCruise ? "--cruise" : "--input");
+        return false;
+    }
+    if (hasKeys && words.speedKeys.empty()) {
+        problem = "--speed-keys takes the name of a file";
+        return false;
+    }
     if (hasRudder && !(words.rudder >= 1.0 && words.rudder <= 1000.0)) {
         problem = fmt::format("--rudder takes a number from 1 to 1000, not {}", words.rudder);
         return false;
@@ -63,6 +74,7 @@ bool MakeFollowOrder(const CLI::App& app, const FollowWords& words, std::optiona
     if (hasRudder) order->rudder = words.rudder;
     if (hasCruise) order->cruise = words.cruise;
     if (hasLaps) order->laps = words.laps;
+    order->speedKeys = words.speedKeys;
     return true;
 }
 
@@ -90,7 +102,7 @@ bool MakePathOrder(const PathWords& words, PathOrder& order, std::string& proble
 }
 
 bool CheckNoFollowing(const CLI::App& app, std::string& problem) {
-    for (const char* option : {"--follow", "--cruise", "--laps", "--rudder"}) {
+    for (const char* option : {"--follow", "--cruise", "--speed-keys", "--laps", "--rudder"}) {
         if (app.count(option) == 0) continue;
         problem = fmt::format("{} is for drives in a scene; make one with \"tavrik new\"", option);
         return false;

@@ -12,10 +12,11 @@ namespace tavrik {
 
 /// A car that drives itself.
 struct FollowOrder {
-    std::string node;              // empty: the one that the scene has set
-    std::optional<double> cruise;  // km/h on a road
-    int laps = 0;                  // 0: as long as the time goes
-    std::optional<double> rudder;  // Rudder_Sensitivity, from now on
+    std::string node;                 // empty: the one that the scene has set
+    std::optional<double> cruise;     // km/h on a road
+    std::filesystem::path speedKeys;  // empty, or the pedals' script on a road
+    int laps = 0;                     // 0: as long as the time goes
+    std::optional<double> rudder;     // Rudder_Sensitivity, from now on
 };
 
 /// `tavrik path import`
@@ -27,7 +28,7 @@ struct PathOrder {
 
 /// Words as they were typed.
 struct FollowWords {
-    std::string node;
+    std::string node, speedKeys;
     double cruise = 40.0, rudder = 30.0;
     int laps = 1;
 };

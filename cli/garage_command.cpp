@@ -8,8 +8,8 @@
 #include "cli/progress.h"
 #include "host/atomic_file.h"
 #include "host/garage.h"
+#include "host/ground_node.h"
 #include "host/plugin_file.h"
-#include "host/scene_rig.h"
 #include "host/sdk/standin.h"
 
 namespace tavrik_cli {
@@ -17,6 +17,10 @@ namespace {
 
 void PrintList() {
     for (const tavrik_host::GarageScene& scene : tavrik_host::GarageScenes()) fmt::print("{:<14} {}\n", scene.name, scene.what);
+}
+
+std::string GroundName(const tavrik::GarageOrder& order) {
+    return order.ground.empty() ? "The garage's ground" : order.ground.string();
 }
 
 /// The ground as a node of the scene, and as it is driven on.
@@ -28,31 +32,8 @@ INode* AddGround(const tavrik::GarageOrder& order, const tavrik_host::GarageScen
     } else if (!ReadGround(order.ground, order.import, ground, problem)) {
         return nullptr;
     }
-    const tavrik::ShapePart part = GroundShape(ground);
-    INode* node = AddMeshNode(document, {&part, 1}, "ground");
-    if (node == nullptr) {
-        problem = fmt::format("{}: it has a coordinate that is not finite.", order.ground.string());
-        return nullptr;
-    }
-    if (surface.Build(tavrik_host::ReadMesh(*node), {}, problem)) return node;
-    problem = fmt::format("{}: {}.", order.ground.string(), problem);
-    return nullptr;
-}
-
-std::string GroundName(const tavrik::GarageOrder& order) {
-    return order.ground.empty() ? "The garage's ground" : order.ground.string();
-}
-
-/// Where the driven vehicle starts.
-bool FindStart(const tavrik::GarageOrder& order, const tavrik_host::GarageScene& scene, const tavrik::SurfaceTree& surface,
-               tavrik::DMatrix3& frame, std::string& problem) {
-    const tavrik::CarPlan plan = scene.vehicles().front().plan;
-    const tavrik::CarSpot spot = order.start ? *order.start : scene.start ? *scene.start : MiddleOfGround(surface);
-    std::vector<tavrik::DPoint3> wheels;
-    for (const tavrik::PlannedUnit& unit : plan.units) wheels.push_back(RestFrame(unit).row[3]);
-    if (StandOnGround(surface, spot, wheels, plan.standingHeight, frame, problem)) return true;
-    problem = fmt::format("{}: {}.", GroundName(order), problem);
-    return false;
+    INode* const node = AddGroundNode(document, ground, GroundName(order), problem);
+    return node != nullptr && tavrik_host::BuildGround(*node, GroundName(order), surface, problem) ? node : nullptr;
 }
 
 bool MakeScene(const tavrik::GarageOrder& order, const tavrik_host::GarageScene& scene, tavrik::Progress& progress,
@@ -64,7 +45,9 @@ bool MakeScene(const tavrik::GarageOrder& order, const tavrik_host::GarageScene&
     tavrik::SurfaceTree surface;
     INode* ground = AddGround(order, scene, document, surface, problem);
     tavrik::DMatrix3 frame;
-    if (ground == nullptr || !FindStart(order, scene, surface, frame, problem)) return false;
+    if (ground == nullptr || !tavrik_host::FindStart(surface, GroundName(order), scene.vehicles().front().plan,
+                                                     order.start ? order.start : scene.start, frame, problem))
+        return false;
     if (FillGarageScene(document, scene, frame, *ground, surface, problem).empty()) {
         problem = fmt::format("{}: {}.", GroundName(order), problem);
         return false;

@@ -16,10 +16,13 @@ int main(int argc, char** argv) {
         if (order.rig) return tavrik::RunRig(*order.rig);
         if (order.info) return tavrik::RunInfo(*order.info);
         if (order.check) return tavrik::RunCheck(*order.check);
+        if (order.panel) return tavrik::RunPanel(*order.panel);
+        if (order.studio) return tavrik::RunStudio(*order.studio);
         if (order.settle) return tavrik::RunSettle(*order.settle);
         if (order.bake) return tavrik::RunBake(*order.bake);
         if (order.render) return tavrik::RunRender(*order.render);
         if (order.tracks) return tavrik::RunTracks(*order.tracks);
+        if (order.gizmo) return tavrik::RunGizmo(*order.gizmo);
         if (order.reset) return tavrik::RunReset(*order.reset);
         if (order.ground) return tavrik::RunGround(*order.ground);
         if (order.path) return tavrik::RunPath(*order.path);

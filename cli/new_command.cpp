@@ -1,21 +1,19 @@
 #include <fmt/format.h>
 
 #include <string>
-#include <vector>
 
 #include "cli/command_line.h"
 #include "cli/opened_scene.h"
 #include "cli/progress.h"
 #include "host/atomic_file.h"
+#include "host/ground_node.h"
 #include "host/plugin_file.h"
 #include "host/rig_objects.h"
 #include "host/rig_scene.h"
-#include "host/scene_rig.h"
 #include "host/sdk/standin.h"
 #include "rig/parameter_tables.h"
 #include "rig/stock_car.h"
 #include "samples/sample_ground.h"
-#include "surface/surface_tree.h"
 
 namespace tavrik_cli {
 namespace {
@@ -28,10 +26,7 @@ INode* AddGround(const tavrik::NewOrder& order, tavrik_host::SceneDocument& docu
     } else if (!ReadGround(order.ground, order.import, ground, problem)) {
         return nullptr;
     }
-    const tavrik::ShapePart part = GroundShape(ground);
-    INode* node = AddMeshNode(document, {&part, 1}, "ground");
-    if (node == nullptr) problem = fmt::format("{}: it has a coordinate that is not finite.", order.ground.string());
-    return node;
+    return AddGroundNode(document, ground, order.ground.string(), problem);
 }
 
 /// Where the stock car stands: on the ground as the scene has it, which is what will be driven on.
@@ -39,16 +34,8 @@ bool StandCar(const tavrik::NewOrder& order, INode& ground, const tavrik::CarPla
               std::string& problem) {
     const std::string name = order.ground.empty() ? "The sample ground" : order.ground.string();
     tavrik::SurfaceTree surface;
-    if (!surface.Build(tavrik_host::ReadMesh(ground), {}, problem)) {
-        problem = fmt::format("{}: {}.", name, problem);
-        return false;
-    }
-    const tavrik::CarSpot spot = order.start ? *order.start : MiddleOfGround(surface);
-    std::vector<tavrik::DPoint3> wheels;
-    for (const tavrik::PlannedUnit& unit : plan.units) wheels.push_back(RestFrame(unit).row[3]);
-    if (StandOnGround(surface, spot, wheels, plan.standingHeight, frame, problem)) return true;
-    problem = fmt::format("{}: {}.", name, problem);
-    return false;
+    return tavrik_host::BuildGround(ground, name, surface, problem) &&
+           tavrik_host::FindStart(surface, name, plan, order.start, frame, problem);
 }
 
 bool MakeScene(const tavrik::NewOrder& order, tavrik_host::SceneDocument& document, tavrik::Progress& progress,

@@ -91,18 +91,18 @@ bool ParsePlaces(const RigWords& words, RigOrder& order, std::string& problem) {
     for (const std::string& one : words.places) {
         PartPlace place;
         if (ParsePlace(one, place)) {
-            order.options.places.push_back(place);
+            order.wish.options.places.push_back(place);
         } else if (one.find(',') != std::string::npos && !std::filesystem::exists(one)) {
             problem = fmt::format("--place takes a file or name,x,y,z,yaw, not \"{}\"", one);
             return false;
-        } else if (!order.places.empty()) {
+        } else if (!order.wish.places.empty()) {
             problem = "--place takes one file only";
             return false;
         } else {
-            order.places = one;
+            order.wish.places = one;
         }
     }
-    if (order.places.empty() || order.options.places.empty()) return true;
+    if (order.wish.places.empty() || order.wish.options.places.empty()) return true;
     problem = "--place takes a file or rows, not both";
     return false;
 }
@@ -120,7 +120,7 @@ void TakeNumbers(const CLI::App& app, const RigWords& words, WizardOptions& opti
 }
 
 bool TakeWishes(const CLI::App& app, const RigWords& words, RigOrder& order, std::string& problem) {
-    WizardOptions& options = order.options;
+    WizardOptions& options = order.wish.options;
     options.wheelNames = words.wheels;
     options.bodyNames = words.body;
     options.root = words.root;
@@ -146,11 +146,11 @@ bool CheckOut(const RigWords& words, RigOrder& order, std::string& problem) {
         problem = "--out is required, or --dry-run";
     } else if (order.out.extension() != ".glb" && order.out.extension() != ".gltf") {
         problem = fmt::format("--out takes a scene, whose name ends in .glb or .gltf, not \"{}\"", words.out);
-    } else if (SameFile(order.model, order.out)) {
+    } else if (SameFile(order.wish.model, order.out)) {
         problem = fmt::format("the scene would replace its model, {}", words.model);
     } else if (!order.ground.empty() && SameFile(order.ground, order.out)) {
         problem = fmt::format("--ground and --out are the same file, {}", words.out);
-    } else if (!order.places.empty() && SameFile(order.places, order.out)) {
+    } else if (!order.wish.places.empty() && SameFile(order.wish.places, order.out)) {
         problem = fmt::format("--place and --out are the same file, {}", words.out);
     }
     return problem.empty();
@@ -214,9 +214,9 @@ bool MakeRigOrder(const CLI::App& app, const DriveWords& drive, const RigWords& 
     order.start = options.start;
     order.seconds = options.seconds;
     order.ticksPerFrame = options.ticksPerFrame;
-    order.model = words.model;
-    order.name = words.name;
-    if (!words.up.empty() && !Choose(kUpAxes, words.up, "--up", order.carImport.up, problem)) return false;
+    order.wish.model = words.model;
+    order.wish.name = words.name;
+    if (!words.up.empty() && !Choose(kUpAxes, words.up, "--up", order.wish.import.up, problem)) return false;
     return TakeWishes(app, words, order, problem) && CheckOut(words, order, problem);
 }
 

@@ -65,6 +65,24 @@ void AddCheckOptions(CLI::App& app, SceneWords& words) {
     app.footer("Exit status 0: the cars will drive, perhaps with warnings. 1: they won't.");
 }
 
+void AddPanelOptions(CLI::App& app, PanelOrder& order) {
+    app.add_option("SCENE", order.scene, "Scene of the node, .glb or .gltf")->type_name("")->required();
+    app.add_option("NODE", order.node, "Name of a car, or of one of its parts")->type_name("")->required();
+    app.add_option("--set", order.sets, "Set a control, or press a button; may be given again")
+        ->type_name("CONTROL=VALUE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.add_option("--out", order.out, "With --set: scene to write; else in place, the old one kept as .bak")
+        ->type_name("FILE");
+    app.add_flag("--motion", order.motion, "The panel of what moves the node, in the place of its own");
+    app.add_flag("--json", order.json, "Tell it as JSON");
+    app.footer(
+        "A control goes by its label, its parameter, what is written on it or its number, with the title of its page\n"
+        "or group and a dot in front where several go by the same: --set Length=50cm --set \"Dummy Size.X=120\"\n"
+        "--set \"Wheel Drive=on\" --set Type=Telescopic --set \"Surface=Ground\" --set \"Update Surface=press\".\n"
+        "All in docs/panel.md.");
+}
+
 void AddSettleOptions(CLI::App& app, SceneWords& words) {
     app.add_option("SCENE", words.scene, "Scene whose car to settle, .glb or .gltf")->type_name("")->required();
     app.add_option("--master", words.master, "In a scene with several cars: the one to settle")->type_name("NAME");
@@ -119,6 +137,17 @@ bool MakeInfoOrder(const SceneWords& words, InfoOrder& order, std::string& probl
 bool MakeCheckOrder(const SceneWords& words, CheckOrder& order, std::string& problem) {
     order.scene = words.scene;
     return CheckScene("check", words.scene, problem);
+}
+
+bool MakePanelOrder(const PanelOrder& words, PanelOrder& order, std::string& problem) {
+    order = words;
+    if (!CheckScene("panel", order.scene.string(), problem)) return false;
+    if (order.out.empty()) return true;
+    if (order.sets.empty()) {
+        problem = "--out is for a scene that --set has changed";
+        return false;
+    }
+    return CheckScene("--out", order.out.string(), problem);
 }
 
 bool MakeSettleOrder(const SceneWords& words, SettleOrder& order, std::string& problem) {

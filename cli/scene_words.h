@@ -25,6 +25,8 @@ void AddNewOptions(CLI::App& app, DriveWords& words, SceneWords& files);
 void AddGarageOptions(CLI::App& app, DriveWords& words, SceneWords& files);
 void AddInfoOptions(CLI::App& app, SceneWords& words);
 void AddCheckOptions(CLI::App& app, SceneWords& words);
+/// Fills the order itself, but for what `MakePanelOrder` checks.
+void AddPanelOptions(CLI::App& app, PanelOrder& order);
 void AddSettleOptions(CLI::App& app, SceneWords& words);
 void AddBakeOptions(CLI::App& app, SceneWords& words);
 void AddResetOptions(CLI::App& app, SceneWords& words);
@@ -37,6 +39,7 @@ bool MakeGarageOrder(const CLI::App& app, const DriveWords& words, const SceneWo
                      std::string& problem);
 bool MakeInfoOrder(const SceneWords& words, InfoOrder& order, std::string& problem);
 bool MakeCheckOrder(const SceneWords& words, CheckOrder& order, std::string& problem);
+bool MakePanelOrder(const PanelOrder& words, PanelOrder& order, std::string& problem);
 bool MakeSettleOrder(const SceneWords& words, SettleOrder& order, std::string& problem);
 bool MakeBakeOrder(const SceneWords& words, BakeOrder& order, std::string& problem);
 bool MakeResetOrder(const SceneWords& words, ResetOrder& order, std::string& problem);

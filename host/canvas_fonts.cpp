@@ -3,6 +3,7 @@
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 
+#include <cmath>
 #include <memory>
 #include FT_FREETYPE_H
 
@@ -103,7 +104,8 @@ std::int32_t CanvasFont::WidthOf(std::string_view text) const {
     return width;
 }
 
-bool LoadCanvasFonts(CanvasFonts& fonts, std::string& problem, const std::string& family) {
+bool LoadCanvasFonts(CanvasFonts& fonts, std::string& problem, const std::string& family, double scale) {
+    const auto scaled = [&](std::int32_t height) { return std::int32_t(std::lround(height * scale)); };
     const FontConfig config(FcInitLoadConfigAndFonts());
     FontFile regularFile, boldFile;
     for (const bool bold : {false, true}) {
@@ -121,11 +123,13 @@ bool LoadCanvasFonts(CanvasFonts& fonts, std::string& problem, const std::string
     const FontLibrary library(rawLibrary);
     const FontFace regular = OpenFace(library.get(), regularFile), bold = OpenFace(library.get(), boldFile);
     CanvasFonts drawn;
-    if (!regular || !DrawFont(regular.get(), 10, drawn.tahoma10) || !DrawFont(regular.get(), kHostFontHeight, drawn.host)) {
+    if (!regular || !DrawFont(regular.get(), scaled(10), drawn.tahoma10) ||
+        !DrawFont(regular.get(), scaled(kHostFontHeight), drawn.host)) {
         problem = regularFile.path + ": the font can't be read; install it again.";
         return false;
     }
-    if (!bold || !DrawFont(bold.get(), 50, drawn.tahoma50Bold) || !DrawFont(bold.get(), 14, drawn.tahoma14Bold)) {
+    if (!bold || !DrawFont(bold.get(), scaled(50), drawn.tahoma50Bold) ||
+        !DrawFont(bold.get(), scaled(14), drawn.tahoma14Bold)) {
         problem = boldFile.path + ": the font can't be read; install it again.";
         return false;
     }

@@ -47,6 +47,7 @@ constexpr const char* kStandInFont = "Liberation Sans";
 /// alike isn't taken: pictures would differ from one machine to the next.
 ///
 /// @param problem  on false: one sentence that says which font is missing and how to get it
-bool LoadCanvasFonts(CanvasFonts& fonts, std::string& problem, const std::string& family = kStandInFont);
+/// @param scale    how much larger the letters are, for screens with several pixels to one of the layout's
+bool LoadCanvasFonts(CanvasFonts& fonts, std::string& problem, const std::string& family = kStandInFont, double scale = 1.0);
 
 }  // namespace tavrik

@@ -28,12 +28,6 @@ double LengthOf(const FollowedLine& line) {
     return length;
 }
 
-/// The master that a node is locked to, or null.
-INode* MasterOf(INode& node) {
-    if (!HasTavrikControl(node)) return nullptr;
-    return node.GetTMController()->GetParamBlockByID(BlockID(tavrik::kBlockId))->GetINode(ControlParam::Tavrik_Node);
-}
-
 /// Whether a node is one of a car's own parts, or hangs on one.
 bool IsOwn(INode& master, INode& node) {
     for (INode* up = &node; up != nullptr && up->IsRootNode() == 0; up = up->GetParentNode()) {

@@ -2,27 +2,52 @@
 
 #include <cassert>
 
+#include "host/rig_objects.h"
 #include "host/sdk/panels.h"
 
 namespace tavrik_host {
 namespace {
 
-constexpr MapID kCarSetup = 0, kParameters = 1, kDrivingParameters = 3;
-constexpr int kUpdateSurface = 1023, kLock = 1102, kUnlock = 1103, kDrive = 1015;
+struct ButtonPlace {
+    MapID page;
+    int control;
+};
 
-void Press(MapID map, int control) {
-    PanelWindow* page = PageOf(map);
-    assert(page != nullptr);
-    PressControl(*page, control);
+ButtonPlace PlaceOf(MasterButton button) {
+    constexpr MapID kCarSetup = 0, kParameters = 1, kDrivingParameters = 3;
+    switch (button) {
+        case MasterButton::UpdateSurface:
+            return {kParameters, 1023};
+        case MasterButton::Lock:
+            return {kCarSetup, 1102};
+        case MasterButton::Unlock:
+            return {kCarSetup, 1103};
+        case MasterButton::Drive:
+            return {kDrivingParameters, 1015};
+    }
+    return {};
+}
+
+void Press(MasterButton button) {
+    [[maybe_unused]] const bool isThere = PressMasterButton(button);
+    assert(isThere);
 }
 
 }  // namespace
 
+bool PressMasterButton(MasterButton button) {
+    INode* const node = PanelNode();
+    const ButtonPlace place = PlaceOf(button);
+    PanelWindow* const page = node != nullptr && ClassOf(*node) == tavrik::ObjectClass::Tavrik ? PageOf(place.page) : nullptr;
+    if (page != nullptr) PressControl(*page, place.control);
+    return page != nullptr;
+}
+
 MasterPanel::MasterPanel(INode& master) { OpenPanel(master); }
 MasterPanel::~MasterPanel() { ClosePanel(); }
-void MasterPanel::UpdateSurface() { Press(kParameters, kUpdateSurface); }
-void MasterPanel::LockComponents() { Press(kCarSetup, kLock); }
-void MasterPanel::UnlockComponents() { Press(kCarSetup, kUnlock); }
-void MasterPanel::Drive() { Press(kDrivingParameters, kDrive); }
+void MasterPanel::UpdateSurface() { Press(MasterButton::UpdateSurface); }
+void MasterPanel::LockComponents() { Press(MasterButton::Lock); }
+void MasterPanel::UnlockComponents() { Press(MasterButton::Unlock); }
+void MasterPanel::Drive() { Press(MasterButton::Drive); }
 
 }  // namespace tavrik_host

@@ -5,6 +5,11 @@
 
 namespace tavrik_host {
 
+enum class MasterButton { UpdateSurface, Lock, Unlock, Drive };
+
+/// Presses a button of the master object whose panel is open. @return false where none is
+bool PressMasterButton(MasterButton button);
+
 /// Opens the pages of a master object, and closes them at the end. The desktop must be there.
 class MasterPanel {
  public:

@@ -36,6 +36,11 @@ bool HasTavrikControl(INode& node) {
     return control->ClassID() == Class_ID(identity->id.a, identity->id.b);
 }
 
+INode* MasterOf(INode& node) {
+    if (!HasTavrikControl(node)) return nullptr;
+    return node.GetTMController()->GetParamBlockByID(kBlock)->GetINode(tavrik::ControlParam::Tavrik_Node);
+}
+
 std::vector<INode*> NodesOf(ObjectClass objectClass) {
     std::vector<INode*> nodes;
     for (INode* node : AllNodes()) {

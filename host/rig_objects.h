@@ -15,6 +15,9 @@ tavrik::ObjectClass ClassOf(INode& node);
 /// Whether a node's controller is the plug-in's, and so may follow a recording.
 bool HasTavrikControl(INode& node);
 
+/// The master object whose recording a node follows, or null.
+INode* MasterOf(INode& node);
+
 /// All nodes with an object of a class, each before its children.
 std::vector<INode*> NodesOf(tavrik::ObjectClass objectClass);
 

@@ -23,6 +23,8 @@ class RoadProgress {
     void Add(const DPoint3& place, double seconds);
 
     double length() const { return length_; }
+    /// How far the car has come along the line since its first place, all laps together; less where it went backwards.
+    double way() const { return way_; }
     /// Seconds at which the line was passed once, twice, ... Of an open line: at which its end was.
     const std::vector<double>& passed() const { return passed_; }
     double largest() const { return largest_; }      // distance from the line, scene units

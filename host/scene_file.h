@@ -2,6 +2,7 @@
 /// Scenes on disk: glTF 2.0, with the rig in the extension NORVANE_tavrik, for which docs/NORVANE_tavrik.schema.json stands.
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <span>
@@ -48,7 +49,9 @@ bool MakeSceneFile(const SceneDocument& document, std::string& bytes, std::strin
 bool MakeSnapshot(const SceneDocument& document, std::string& bytes, std::string& problem);
 
 /// The same without the extension: for programs that show and play. Helpers without a mesh below them stay as empty nodes.
-bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem);
+/// @param goesOn  told how much of the motion is done, 0..1; answers whether to go on. May be null
+bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem,
+                  const std::function<bool(double)>& goesOn = {});
 
 /// Gives bytes that the two above made the form that the file's name asks for: .glb stays, .gltf becomes text with its data
 /// inside.

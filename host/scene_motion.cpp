@@ -240,7 +240,8 @@ NodeTree TheNodes() {
     return tree;
 }
 
-BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeValue> secondZero) {
+BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeValue> secondZero,
+                       const std::function<bool(double)>& goesOn) {
     BakedMotion motion;
     motion.secondZero = secondZero.value_or(0);
     Player player(tree);
@@ -254,7 +255,8 @@ BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeV
         const std::vector<TimeValue> wanted = KeyTicks(tree, keys);
         motion.secondZero = std::min(secondZero.value_or(wanted.front()), wanted.front());
         const std::vector<TimeValue> ticks = Distinct(wanted, motion.secondZero, motion.seconds);
-        for (const TimeValue tick : ticks) {
+        for (const TimeValue& tick : ticks) {
+            if (goesOn && !goesOn(double(&tick - ticks.data()) / double(ticks.size()))) Refuse("it was stopped.");
             player.GoTo(tick);
             for (KeyWriter& writer : writers) writer.Add(player.local[writer.keys.node]);
             if (tick == ticks.front()) rest = player.local;

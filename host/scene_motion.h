@@ -1,6 +1,7 @@
 #pragma once
 /// The motion of a scene as glTF animation has it.
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -33,6 +34,8 @@ struct BakedMotion {
 
 /// Plays the scene. The time that it stands at doesn't matter. Refuses (`SceneFault`) frames that are not finite.
 /// @param secondZero  tick of second 0; keys that lie before it, and none given, let time begin at the first key
-BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeValue> secondZero);
+/// @param goesOn      told how much is done, 0..1; where it answers false, the scene is refused. May be null
+BakedMotion BakeMotion(const NodeTree& tree, BakedKeys keys, std::optional<TimeValue> secondZero,
+                       const std::function<bool(double)>& goesOn = {});
 
 }  // namespace tavrik_host

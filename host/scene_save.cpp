@@ -97,11 +97,11 @@ std::optional<TimeValue> KeptTime(const SceneDocument& document, const NodeTree&
 /// One file in the making.
 class SceneWriter {
  public:
-    SceneWriter(const SceneDocument& document, BakedKeys keys, bool withExtension)
+    SceneWriter(const SceneDocument& document, BakedKeys keys, bool withExtension, const std::function<bool(double)>& goesOn)
         : document_(document),
           tree_(TheNodes()),
           keptTime_(KeptTime(document, tree_)),
-          motion_(BakeMotion(tree_, keys, keptTime_)),
+          motion_(BakeMotion(tree_, keys, keptTime_, goesOn)),
           glb_(document.json, document.binary),
           withExtension_(withExtension) {
         order_.resize(tree_.nodes.size());
@@ -305,9 +305,10 @@ class SceneWriter {
     Json roots_ = Json::array();
 };
 
-bool Make(const SceneDocument& document, BakedKeys keys, bool withExtension, std::string& bytes, std::string& problem) {
+bool Make(const SceneDocument& document, BakedKeys keys, bool withExtension, std::string& bytes, std::string& problem,
+          const std::function<bool(double)>& goesOn = {}) {
     try {
-        return SceneWriter(document, keys, withExtension).Write(bytes, problem);
+        return SceneWriter(document, keys, withExtension, goesOn).Write(bytes, problem);
     } catch (const std::bad_alloc&) {
         problem = "the scene is too large for this machine's memory.";
     } catch (const std::exception& error) {
@@ -344,8 +345,9 @@ bool MakeSnapshot(const SceneDocument& document, std::string& bytes, std::string
     return true;
 }
 
-bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem) {
-    return Make(document, keys, /*withExtension=*/false, bytes, problem);
+bool MakeFilmFile(const SceneDocument& document, BakedKeys keys, std::string& bytes, std::string& problem,
+                  const std::function<bool(double)>& goesOn) {
+    return Make(document, keys, /*withExtension=*/false, bytes, problem, goesOn);
 }
 
 bool ToFileForm(const std::filesystem::path& file, std::string& bytes, std::string& problem) {

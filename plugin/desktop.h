@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "drive/damper_stand.h"
 #include "drive/devices.h"
 #include "drive/drive_host.h"
 #include "drive/file_store.h"
@@ -15,6 +16,8 @@ namespace tavrik_plugin {
 tavrik::WindowLayer& Windows();
 tavrik::Devices& Pads();
 tavrik::FileStore& ControlsFile();
+/// Where the damper stand shows; null where there is no screen for it.
+tavrik::StandLayer* StandWindows();
 
 /// Who drives in place of a scene's own target, or null.
 tavrik::TargetDriver* Driver();

@@ -5,6 +5,7 @@
 
 #include "plugin/block_values.h"
 #include "plugin/convert.h"
+#include "plugin/desktop.h"
 #include "plugin/param_blocks.h"
 #include "rig/gizmos/suspension_lines.h"
 #include "rig/parameter_tables.h"
@@ -17,7 +18,7 @@ ClassStatics& statics = *new ClassStatics;  // never freed: the scene may outliv
 
 using Param = tavrik::SuspensionParam;
 
-constexpr int kPresetCombo = 1110;
+constexpr int kPresetCombo = 1110, kStandButton = 1013;
 
 /// A damper off the shelf. Lengths and stops are the car's own.
 struct DamperPreset {
@@ -45,7 +46,14 @@ void ApplyPreset(IParamBlock2* block, LRESULT index) {
     SetFloat(block, Param::Buffer_Ruggedness, preset.bufferRuggedness);
 }
 
-/// The presets. The button for more damper settings has no window to open yet.
+SuspensionObject* OwnerOf(IParamMap2* map) {
+    IParamBlock2* const block = map != nullptr ? map->GetParamBlock() : nullptr;
+    ReferenceMaker* const owner = block != nullptr ? block->GetOwner() : nullptr;
+    return owner != nullptr && owner->ClassID() == ClassNamed(kClass).ClassID() ? static_cast<SuspensionObject*>(owner)
+                                                                                : nullptr;
+}
+
+/// The presets, and the button for what they set.
 class SuspensionDlgProc final : public ParamMap2UserDlgProc {
  public:
     INT_PTR DlgProc(TimeValue, IParamMap2* map, HWND hWnd, UINT msg, WPARAM wParam, LPARAM) override {
@@ -53,6 +61,8 @@ class SuspensionDlgProc final : public ParamMap2UserDlgProc {
             FillPresets(GetDlgItem(hWnd, kPresetCombo));
         } else if (msg == WM_COMMAND && LOWORD(wParam) == kPresetCombo && HIWORD(wParam) == CBN_SELCHANGE && map != nullptr) {
             ApplyPreset(map->GetParamBlock(), SendMessageW(GetDlgItem(hWnd, kPresetCombo), CB_GETCURSEL, 0, 0));
+        } else if (msg == WM_COMMAND && LOWORD(wParam) == kStandButton) {
+            if (SuspensionObject* const suspension = OwnerOf(map)) suspension->OpenStand();
         }
         return 0;
     }
@@ -63,12 +73,16 @@ SuspensionDlgProc dialogProc;
 
 }  // namespace
 
-SuspensionObject::SuspensionObject() : RigHelper(kClass, statics) {
+SuspensionObject::SuspensionObject() : RigHelper(kClass, statics), stand_(GetMasterScale) {
     SetupSuspension_param_blk(&BlockDescOf(kClass));
     MakeBlock();
 }
 
 ParamMap2UserDlgProc* SuspensionObject::DialogProc() { return &dialogProc; }
+
+void SuspensionObject::OpenStand() {
+    if (tavrik::StandLayer* const windows = StandWindows()) stand_.OpenStand(params_, *windows);
+}
 
 void SuspensionObject::ReadValues(TimeValue) {
     type = IntOf(pblock_, Param::Suspension_Type);

@@ -1,6 +1,8 @@
 #pragma once
 /// One wheel station: the arm or strut that carries a wheel, with spring, damper, buffer and stops.
 
+#include "drive/damper_stand.h"
+#include "plugin/block_values.h"
 #include "plugin/helper_object.h"
 
 namespace tavrik_plugin {
@@ -14,6 +16,9 @@ class SuspensionObject final : public RigHelper {
     bool Drag(const Point3& d) override;
     ParamMap2UserDlgProc* DialogProc() override;
 
+    /// Runs the dialog in which the damper is tuned by looking at it.
+    void OpenStand();
+
     // Cached. `Ruggedness_Factor` is worked into springs and damper.
     int type = 0;  // 0 wishbone, 1 telescopic
     float length = 0.0f, wheelShift = 0.0f;
@@ -25,6 +30,10 @@ class SuspensionObject final : public RigHelper {
 
  protected:
     void Draw(GraphicsWindow& gw, TimeValue t, INode& node) const override;
+
+ private:
+    tavrik::DamperStand stand_;  // its own settings last as long as the object
+    BlockParams params_{pblock_};
 };
 
 }  // namespace tavrik_plugin

@@ -3,6 +3,8 @@
 #include <max.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstring>
 
 #include "plugin/block_values.h"
 #include "plugin/classes.h"
@@ -52,21 +54,37 @@ class TavrikTrackTexDlgProc final : public ParamMap2UserDlgProc {
     void DeleteThis() override {}
 };
 
-/// What tyres did to a point of the surface.
-struct Mark {
+std::uint64_t NextPainting() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
+}  // namespace
+
+struct TavrikTrackTex::Mark {
     float value = 1.0f;
     tavrik::Point3 bump{0, 0, 0};
 };
 
-Mark MarkAt(const tavrik::PaintedTrail& painted, const tavrik::TrackParams& params, ShadeContext& sc) {
-    Mark mark;
+/// A render asks each point for its colour and then for its bump, which is one question to the trail. So each thread keeps its
+/// last answer.
+TavrikTrackTex::Mark TavrikTrackTex::MarkAt(ShadeContext& sc) const {
+    struct Answer {
+        std::uint64_t painting = 0;
+        TimeValue t = 0;
+        tavrik::Point3 p{0, 0, 0};
+        Mark mark;
+    };
+    thread_local Answer last;
     const TimeValue t = sc.CurTime();
-    const Point3 p = sc.PointTo(sc.P(), REF_WORLD);
-    painted.Query(mark.value, mark.bump, FromHost(p), t, params);
-    return mark;
+    const tavrik::Point3 p = FromHost(sc.PointTo(sc.P(), REF_WORLD));
+    if (last.painting == painting_ && last.t == t && std::memcmp(&last.p, &p, sizeof p) == 0) return last.mark;
+    last.painting = painting_;
+    last.t = t;
+    last.p = p;
+    painted_.Query(last.mark.value, last.mark.bump, p, t, params_);
+    return last.mark;
 }
-
-}  // namespace
 
 TavrikTrackTex::TavrikTrackTex() { TheClass().MakeAutoParamBlocks(this); }
 
@@ -82,6 +100,7 @@ TavrikTrackTex::~TavrikTrackTex() {
 void TavrikTrackTex::Update(TimeValue t, Interval& valid) {
     valid.SetInstant(t);  // each frame shows other tracks
     painted_ = {};
+    painting_ = NextPainting();
     INode* const node = MasterNode();
     Object* const object = node != nullptr ? node->GetObjectRef() : nullptr;
     if (ClassOf(object) != tavrik::ObjectClass::Tavrik) return;
@@ -102,7 +121,7 @@ Interval TavrikTrackTex::Validity(TimeValue t) {
 
 AColor TavrikTrackTex::EvalColor(ShadeContext& sc) {
     if (!painted_.CanPaint()) return AColor(1.0f, 1.0f, 1.0f, 1.0f);
-    const float value = MarkAt(painted_, params_, sc).value;
+    const float value = MarkAt(sc).value;
     return AColor(value, value, value, 1.0f);
 }
 
@@ -113,7 +132,7 @@ float TavrikTrackTex::EvalMono(ShadeContext& sc) {
 
 Point3 TavrikTrackTex::EvalNormalPerturb(ShadeContext& sc) {
     if (!painted_.CanPaint()) return Point3(0.0f, 0.0f, 0.0f);
-    const Point3 bump = sc.VectorFromNoScale(ToHost(MarkAt(painted_, params_, sc).bump), REF_WORLD);
+    const Point3 bump = sc.VectorFromNoScale(ToHost(MarkAt(sc).bump), REF_WORLD);
     // Along the two directions in which the surface's coordinates run, as every bump is told.
     Point3 dP[3];
     sc.DPdUVW(dP, 0);

@@ -7,6 +7,8 @@
 #include <iparamb2.h>
 #include <iparamm2.h>
 
+#include <cstdint>
+
 #include "plugin/sdk_year.h"
 #include "tracks/painted_trail.h"
 
@@ -64,8 +66,13 @@ class TavrikTrackTex final : public Texmap {
     INode* MasterNode() const;
     void ShowMasterName();
 
+    /// What tyres did to a point of the surface.
+    struct Mark;
+    Mark MarkAt(ShadeContext& sc) const;
+
     tavrik::TrackParams params_;
     tavrik::PaintedTrail painted_;
+    std::uint64_t painting_ = 0;  // no two updates of any maps have the same
     HWND rollout_ = nullptr;
     ICustButton* pickButton_ = nullptr;
     IParamBlock2* pblock_ = nullptr;

@@ -10,7 +10,8 @@
 
 namespace tavrik_host {
 
-void InParallel(int count, int threads, const std::function<void(double)>& done, const std::function<void(int)>& work) {
+void InParallel(int count, int threads, const std::function<void(double)>& done, const std::function<void(int)>& work,
+                const std::atomic<bool>* stop) {
     if (threads <= 0) threads = int(std::max(1u, std::thread::hardware_concurrency()));
     std::atomic<int> next{0};
     std::exception_ptr fault;
@@ -18,6 +19,7 @@ void InParallel(int count, int threads, const std::function<void(double)>& done,
     const auto run = [&](const std::function<void(double)>& tell) {
         try {
             for (int i = next++; i < count; i = next++) {
+                if (stop != nullptr && *stop) return;
                 work(i);
                 if (tell) tell(double(i + 1) / double(count));
             }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 
 namespace tavrik_host {
@@ -9,6 +10,8 @@ namespace tavrik_host {
 ///
 /// @param threads  0: as many as there are cores
 /// @param done     told how much is done, 0..1, on the calling thread; may be null
-void InParallel(int count, int threads, const std::function<void(double)>& done, const std::function<void(int)>& work);
+/// @param stop     once it is set, no further piece is begun; may be null
+void InParallel(int count, int threads, const std::function<void(double)>& done, const std::function<void(int)>& work,
+                const std::atomic<bool>* stop = nullptr);
 
 }  // namespace tavrik_host

@@ -20,13 +20,6 @@ using tavrik::ObjectClass;
 
 constexpr float kDegree = 0.017453293f;
 
-/// Which master a locked node belongs to; null where it is free.
-INode* MasterOf(INode& node) {
-    if (!HasTavrikControl(node)) return nullptr;
-    IParamBlock2* const block = node.GetTMController()->GetParamBlockByID(BlockID(tavrik::kBlockId));
-    return block == nullptr ? nullptr : block->GetINode(tavrik::ControlParam::Tavrik_Node);
-}
-
 /// How far the wheels reach out from the chassis.
 float CarRadius(INode& master, INode& chassis) {
     float radius = 0.0f;

@@ -80,11 +80,12 @@ tavrik::RgbImage TakePicture(const RayFrame& frame, const RenderModel& model, co
     image.height = settings.height;
     image.pixels.resize(std::size_t(settings.width) * std::size_t(settings.height));
     constexpr int kRows = 4;
-    InParallel((settings.height + kRows - 1) / kRows, settings.threads, done, [&](int band) {
+    const auto makeBand = [&](int band) {
         for (int y = band * kRows; y < std::min(settings.height, (band + 1) * kRows); ++y) {
             for (int x = 0; x < settings.width; ++x) image.At(x, y) = pixels.At(x, y);
         }
-    });
+    };
+    InParallel((settings.height + kRows - 1) / kRows, settings.threads, done, makeBand, settings.stop);
     return image;
 }
 

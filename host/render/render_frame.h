@@ -17,6 +17,7 @@ struct RenderSettings {
     int samples = 12;                                 // a pixel, at most; four where they all say the same
     int threads = 0;                                  // 0: as many as there are cores
     float sunAzimuth = 235.0f, sunElevation = 42.0f;  // degrees
+    const std::atomic<bool>* stop = nullptr;  // once it is set, pictures end early and are of no use; null: nobody stops
 };
 
 /// Takes the picture. The same scene, camera and settings give the same bytes with any number of threads.

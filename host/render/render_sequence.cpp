@@ -42,6 +42,8 @@ class SequenceMaker {
         if (!camera_.Prepare(document, order_.camera, master, aspect, problem)) return false;
         if (order_.tracks) tracks_ = std::make_unique<TrackPainter>(masters, order_.look);
         for (int frame = order_.first; frame <= order_.last; ++frame) {
+            result_.isStopped = IsStopped();
+            if (result_.isStopped) return true;
             if (!MakeFrame(frame, problem)) return false;
         }
         return true;
@@ -63,10 +65,13 @@ class SequenceMaker {
         };
         const tavrik::RgbImage image =
             TakePicture(rays, model_, camera_.At(tick, rays, model_), tracks_.get(), tick, order_.settings, tell);
+        result_.isStopped = IsStopped();
+        if (result_.isStopped) return true;  // half a picture
         if (!tavrik::WritePngFile(file, image, problem)) return false;
         ++result_.written;
         return true;
     }
+    bool IsStopped() const { return order_.settings.stop != nullptr && *order_.settings.stop; }
 
     const SequenceOrder& order_;
     const std::function<void(double)>& done_;

@@ -25,13 +25,15 @@ struct SequenceOrder {
 
 struct SequenceResult {
     int written = 0, kept = 0;
+    bool isStopped = false;          // by `RenderSettings::stop`, before the range was done
     std::vector<std::string> notes;  // a sentence for each thing that shows otherwise than the scene says
 };
 
 /// Renders frames of the scene at hand; the scene is not changed by it, but for treads that were ordered.
 ///
 /// @param done     told how much of the range is done, 0..1; may be null
-/// @param problem  on false: one sentence. Frames that are finished stay, and `result` tells how many
+/// @param problem  on false: one sentence. Frames that are finished stay, and `result` tells how many; likewise where it was
+///                 stopped, which is no problem
 bool RenderSequence(const SceneDocument& document, const SequenceOrder& order, const std::function<void(double)>& done,
                     SequenceResult& result, std::string& problem);
 

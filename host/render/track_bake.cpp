@@ -91,32 +91,37 @@ bool TrackLayout::TakeTriangles(const RenderModel& model, const RayFrame& frame)
     return hasSpots;
 }
 
-void TrackLayout::LayFlat() {
+GroundSquare TrackLayout::SquareAround() const {
     Box3 bound;
     for (const Triangle& triangle : triangles_) {
         for (const Point3& p : triangle.points) bound += p;
     }
-    side_ = std::max({bound.Width().x, bound.Width().y, 1e-3f});
-    low_ = Point2(bound.Center().x - 0.5f * side_, bound.Center().y - 0.5f * side_);
+    const float side = std::max({bound.Width().x, bound.Width().y, 1e-3f});
+    return {Point2(bound.Center().x - 0.5f * side, bound.Center().y - 0.5f * side), side};
+}
+
+void TrackLayout::LayFlat(const GroundSquare& square) {
+    square_ = square;
     for (Triangle& triangle : triangles_) {
         for (int k = 0; k < 3; ++k) {
             const Point3& p = triangle.points[k];
-            triangle.spots[k] = Point2((p.x - low_.x) / side_, 1.0f - (p.y - low_.y) / side_);
+            triangle.spots[k] = Point2((p.x - square.low.x) / square.side, 1.0f - (p.y - square.low.y) / square.side);
         }
     }
 }
 
-bool TrackLayout::Build(const RenderModel& model, const RayFrame& frame, int size, std::string& problem) {
+bool TrackLayout::Build(const RenderModel& model, const RayFrame& frame, int size, std::string& problem,
+                        const GroundSquare* square) {
     model_ = &model;
     frame_ = &frame;
     size_ = size;
     triangles_.clear();
-    isFlat_ = !TakeTriangles(model, frame);
+    isFlat_ = !TakeTriangles(model, frame) || square != nullptr;
     if (triangles_.empty()) {
         problem = "its cars drive on nothing that has a mesh; set the ground in a master object.";
         return false;
     }
-    if (isFlat_) LayFlat();
+    if (isFlat_) LayFlat(square != nullptr ? *square : SquareAround());
     Fill();
     return true;
 }
@@ -208,7 +213,7 @@ void TrackLayout::Widen(tavrik::RgbImage& image) const {
 }
 
 BakedTracks TrackLayout::Bake(const TrackPainter& tracks, TimeValue tick, bool withBump, int threads,
-                              const std::function<void(double)>& done) const {
+                              const std::function<void(double)>& done, const std::atomic<bool>* stop) const {
     BakedTracks baked;
     const auto clear = [this](tavrik::RgbImage& image, tavrik::RgbPixel pixel) {
         image.width = image.height = size_;
@@ -216,7 +221,8 @@ BakedTracks TrackLayout::Bake(const TrackPainter& tracks, TimeValue tick, bool w
     };
     clear(baked.color, kUntouched);
     if (withBump) clear(baked.bump, kLevel);
-    InParallel(size_, threads, done, [&](int row) { PaintRow(row, tracks, tick, baked); });
+    const auto paint = [&](int row) { PaintRow(row, tracks, tick, baked); };
+    InParallel(size_, threads, done, paint, stop);
     if (!isFlat_) {
         Widen(baked.color);
         Widen(baked.bump);

@@ -1,6 +1,7 @@
 #pragma once
 /// Tyre tracks as pictures that lie on the ground, for renderers that know nothing of them.
 
+#include <atomic>
 #include <functional>
 #include <string>
 
@@ -15,22 +16,31 @@ struct BakedTracks {
     tavrik::RgbImage bump;   // a normal map in the ground's tangents, green up; empty if it wasn't asked for
 };
 
+/// A part of the ground, seen from above.
+struct GroundSquare {
+    Point2 low{0, 0};  // its corner with the smaller coordinates, scene units
+    float side = 1.0f;
+};
+
 /// Which place of the ground each pixel shows. Made once for all pictures of a sequence.
 class TrackLayout {
  public:
     /// Lays the pictures out by the ground's own texture coordinates, or, where it has none or repeats them, straight down on a
     /// square around it.
+    /// @param square   not null: only this part of it, straight down
     /// @param problem  on false: one sentence without the file's name
-    bool Build(const RenderModel& model, const RayFrame& frame, int size, std::string& problem);
+    bool Build(const RenderModel& model, const RayFrame& frame, int size, std::string& problem,
+               const GroundSquare* square = nullptr);
 
     bool IsFlat() const { return isFlat_; }
-    /// Of the square, scene units.
-    Point2 Low() const { return low_; }
-    float Side() const { return side_; }
+    /// Of a flat layout.
+    Point2 Low() const { return square_.low; }
+    float Side() const { return square_.side; }
 
     /// @param threads  0: as many as there are cores. The bytes are the same with any number
+    /// @param stop     once it is set, the pictures end early and are of no use; may be null
     BakedTracks Bake(const TrackPainter& tracks, TimeValue tick, bool withBump, int threads,
-                     const std::function<void(double)>& done) const;
+                     const std::function<void(double)>& done, const std::atomic<bool>* stop = nullptr) const;
 
  private:
     struct Triangle {
@@ -40,7 +50,8 @@ class TrackLayout {
     };
     struct Place;
     bool TakeTriangles(const RenderModel& model, const RayFrame& frame);
-    void LayFlat();
+    GroundSquare SquareAround() const;
+    void LayFlat(const GroundSquare& square);
     void Fill();
     void FillWith(std::uint32_t triangle);
     void PaintRow(int row, const TrackPainter& tracks, TimeValue tick, BakedTracks& baked) const;
@@ -50,8 +61,7 @@ class TrackLayout {
     const RayFrame* frame_ = nullptr;
     int size_ = 0;
     bool isFlat_ = false;
-    Point2 low_{0, 0};
-    float side_ = 1.0f;
+    GroundSquare square_;
     std::vector<Triangle> triangles_;
     std::vector<std::uint32_t> shown_;  // of each pixel: which triangle, from 1; 0: none
     std::vector<float> heights_;        // while a flat layout is filled: the topmost ground counts

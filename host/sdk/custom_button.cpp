@@ -17,7 +17,10 @@ class Button final : public ICustButton {
     BOOL IsEnabled() override { return IsWindowEnabled(control_); }
     void SetText(const MCHAR* text) override { SetWindowTextW(control_, text); }
     void SetType(CustButType type) override { control_->isCheckButton = type == CBT_CHECK; }
-    void SetCheck(BOOL checked) override { control_->checked = checked != FALSE; }
+    void SetCheck(BOOL checked) override {
+        control_->checked = checked != FALSE;
+        tavrik_host::PanelChanged();
+    }
     BOOL IsChecked() override { return control_->checked ? TRUE : FALSE; }
     void SetHighlightColor(COLORREF color) override { control_->highlight = color; }
 

@@ -12,11 +12,14 @@
 
 namespace tavrik {
 
+class StandLayer;  // see drive/damper_stand.h
+
 struct Desktop {
     // Nothing is owned; each outlives the scene.
     WindowLayer* windows = nullptr;
     Devices* devices = nullptr;
     FileStore* controls = nullptr;   // the key bindings
+    StandLayer* stand = nullptr;     // the dialog with the damper stand; null: its button does nothing
     TargetDriver* driver = nullptr;  // drives in place of the scene's own target; null: that one drives
     std::uint64_t seed = 1;          // of the random numbers of the runs to come
     bool stopAtBadNumbers = false;   // end a run, and its recording, before the first sample that isn't finite

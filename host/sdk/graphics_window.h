@@ -53,14 +53,18 @@ class GraphicsWindow {
     virtual void endSegments() = 0;
     /// Lines through `ct` points; back to the first one if `closed`.
     virtual void polyline(int ct, Point3* xyz, Point3* rgb, Point3* uvw, int closed, int* es) = 0;
+    /// Triangles come between these two.
+    virtual void startTriangles() = 0;
+    virtual void triangle(Point3* xyz, Point3* rgb) = 0;
+    virtual void endTriangles() = 0;
 
-    /// Of GW_... With GW_PICK lines are tried against the region and leave no trace in the picture.
+    /// Of GW_... With GW_PICK lines and triangles are tried against the region and leave no trace in the picture.
     virtual DWORD getRndLimits() = 0;
     virtual void setRndLimits(DWORD limits) = 0;
     /// @param region  stays the caller's until the last line is tried against it
     virtual void setHitRegion(HitRegion* region) = 0;
     virtual void clearHitCode() = 0;
     virtual BOOL checkHitCode() = 0;
-    /// Of the nearest line that was hit; greater is farther from the eye.
+    /// Of the nearest line or triangle that was hit; greater is farther from the eye.
     virtual DWORD getHitDistance() = 0;
 };

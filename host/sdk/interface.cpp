@@ -6,6 +6,7 @@
 #include "host/sdk/pick_mode_state.h"
 #include "host/sdk/scene.h"
 #include "host/sdk/standin.h"
+#include "host/sdk/wire_colors.h"
 
 namespace tavrik_host {
 namespace {
@@ -17,6 +18,7 @@ class HostInterface final : public Interface {
     TimeValue GetTime() override { return TheScene().time; }
     void SetTime(TimeValue t, BOOL redraw) override {
         TheScene().time = t;
+        PanelChanged();
         if (redraw != FALSE) RedrawViews(t, REDRAW_NORMAL, nullptr);
     }
     Interval GetAnimRange() override { return TheScene().range; }
@@ -30,7 +32,9 @@ class HostInterface final : public Interface {
         if (object == nullptr) return nullptr;
         MSTR stem;
         object->InitNodeName(stem);
-        return CreateNode(object, TheScene().UniqueName(stem.data()));
+        INode* const node = CreateNode(object, TheScene().UniqueName(stem.data()));
+        node->SetWireColor(WireColorOf(object->ClassID()));
+        return node;
     }
     void DeleteNode(INode* node, BOOL redraw, BOOL) override {
         if (node == nullptr) return;
@@ -60,7 +64,7 @@ class HostInterface final : public Interface {
     void SetPickMode(PickModeCallback* mode) override { SetMode(mode); }
     void ClearPickMode() override { SetMode(nullptr); }
     PickModeCallback* GetCurPickMode() override { return CurrentMode(); }
-    INode* PickNode(HWND, IPoint2, PickNodeCallback* filt) override { return NodeUnderMouse(filt); }
+    INode* PickNode(HWND window, IPoint2 m, PickNodeCallback* filt) override { return NodeUnderMouse(window, m, filt); }
 };
 
 }  // namespace

@@ -1,10 +1,13 @@
 #pragma once
 /// A view of the scene that gathers what objects draw, and finds what lies under a mouse.
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
 #include "host/sdk/max.h"
+#include "host/sdk/view_state.h"
 
 namespace tavrik_host {
 
@@ -14,18 +17,11 @@ struct ViewLine {
     Color color;
 };
 
-/// From where a view is seen. Pixels count from the top left corner.
-struct ViewCamera {
-    Matrix3 frame{TRUE};  // of the eye in the world: it looks along its -Z, and Y is up
-    float scale = 1.0f;   // pixels to a unit; in perspective at a distance of one unit
-    bool perspective = false;
-    IPoint2 centre{0, 0};  // the pixel in the middle
-};
-
 /// A line window without a screen: it knows where lines would be, and keeps them.
 class LineWindow final : public GraphicsWindow {
  public:
     explicit LineWindow(const ViewCamera& camera);
+    void SetCamera(const ViewCamera& camera);
 
     /// What has been drawn so far, in order.
     const std::vector<ViewLine>& Lines() const { return lines_; }
@@ -39,6 +35,10 @@ class LineWindow final : public GraphicsWindow {
     void segment(Point3* xyz, int vis) override;
     void endSegments() override { open_ = false; }
     void polyline(int ct, Point3* xyz, Point3* rgb, Point3* uvw, int closed, int* es) override;
+    // Surfaces are somebody else's to show; here a mouse only finds them.
+    void startTriangles() override { open_ = true; }
+    void triangle(Point3* xyz, Point3* rgb) override;
+    void endTriangles() override { open_ = false; }
     DWORD getRndLimits() override { return limits_; }
     void setRndLimits(DWORD limits) override { limits_ = limits; }
     void setHitRegion(HitRegion* region) override;
@@ -48,7 +48,9 @@ class LineWindow final : public GraphicsWindow {
 
  private:
     void Draw(const Point3& from, const Point3& to);
-    void Try(const Point3& from, const Point3& to);
+    /// @return whether the line is seen as a whole in the region
+    bool TryLine(const Point3& from, const Point3& to);
+    void TakeHit(double depth);
 
     ViewCamera camera_;
     Matrix3 toEye_;
@@ -68,32 +70,62 @@ struct LoggedHit {
     DWORD distance;
 };
 
-/// Such a view. A mouse snaps to the pixel's place in the plane through the world's origin that faces the eye.
+/// Such a view, in a window of its own. Other views and what is selected are no business of its.
 class LineView final : public ViewExp {
  public:
-    explicit LineView(const ViewCamera& camera) : camera_(camera), window_(camera) {}
+    /// Which nodes are asked at all; none: all of them.
+    using Filter = std::function<bool(INode&)>;
+
+    /// A mouse makes things on the ground plane.
+    explicit LineView(const ViewCamera& camera);
+    /// A mouse makes things on the view's grid plane.
+    explicit LineView(const ViewState& state);
+    ~LineView() override;
+    LineView(const LineView&) = delete;
+    LineView& operator=(const LineView&) = delete;
+
+    /// Turns or moves it. What has been drawn stays: lines are kept in the world.
+    void SetState(const ViewState& state);
+    const ViewCamera& Camera() const { return camera_; }
+    const Matrix3& Plane() const { return plane_; }
+    void SetPlane(const Matrix3& plane) { plane_ = plane; }
+    /// New things snap to a grid of this width, in units; 0: to none.
+    void SetGrid(float width) { grid_ = width; }
 
     LineWindow& Window() { return window_; }
     /// Has all objects of the scene draw themselves.
     void DrawScene(TimeValue t);
+    void DrawNode(TimeValue t, INode& node);
     /// Asks all objects of the scene whether a mouse is on them.
     /// @param p         as `MakeHitRegion` takes them, and `type` and `crossing` too
     /// @return nodes that were hit, the nearest first
-    std::vector<INode*> HitScene(TimeValue t, int type, int crossing, IPoint2* p);
+    std::vector<INode*> HitScene(TimeValue t, int type, int crossing, IPoint2* p, const Filter& filter = {});
     const std::vector<LoggedHit>& Hits() const { return hits_; }
     void ClearHits() { hits_.clear(); }
 
+    /// In the view's plane, as `OnPlane` has it.
+    /// @param out  where that is seen: next to the mouse, if there is a grid
     Point3 SnapPoint(const IPoint2& in, IPoint2& out, Matrix3* plane2d = nullptr, DWORD flags = 0) override;
-    void SnapPreview(const IPoint2&, IPoint2&, Matrix3*, DWORD) override {}
+    void SnapPreview(const IPoint2& in, IPoint2& out, Matrix3* plane2d = nullptr, DWORD flags = 0) override;
+    /// Where a mouse that makes nothing yet would snap to, in the world; nothing before it has moved.
+    const std::optional<Point3>& Preview() const { return preview_; }
     bool IsAlive() const override { return true; }
     INode* GetClosestHit() override;
     GraphicsWindow* getGW() override { return &window_; }
+    HWND GetHWnd() override;
     void LogHit(INode* node, ModContext*, DWORD dist, ULONG, HitData*) override { hits_.push_back({node, dist}); }
 
  private:
     ViewCamera camera_;
+    Matrix3 plane_{TRUE};
+    float grid_ = 0.0f;
     LineWindow window_;
     std::vector<LoggedHit> hits_;
+    std::optional<Point3> preview_;
+    std::unique_ptr<PanelWindow> handle_;
 };
+
+/// The view in a window; null for a window without one.
+LineView* ViewOf(HWND window);
 
 }  // namespace tavrik_host

@@ -21,7 +21,7 @@ class Interface {
     virtual void SetAnimRange(Interval range) = 0;
     virtual void RedrawViews(TimeValue t, DWORD vpFlags = REDRAW_NORMAL, ReferenceTarget* change = nullptr) = 0;
     virtual void* CreateInstance(SClass_ID sclass, Class_ID id) = 0;
-    /// Puts a new node with `object` under the root, named after the object's stem and a number.
+    /// Puts a new node with `object` under the root, named after the object's stem and a number, in its class's colour.
     virtual INode* CreateObjectNode(Object* object) = 0;
     /// Takes a node out of the scene; its children go to its parent. Everyone who held it lets go.
     virtual void DeleteNode(INode* node, BOOL redraw = TRUE, BOOL overrideSlaves = FALSE) = 0;

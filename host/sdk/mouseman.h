@@ -24,6 +24,8 @@ class ViewExp {
     virtual INode* GetClosestHit() { return nullptr; }
     /// What to draw into; null where nothing can be drawn.
     virtual GraphicsWindow* getGW() { return nullptr; }
+    /// Null where there is no window.
+    virtual HWND GetHWnd() { return nullptr; }
     /// Takes note that the mouse is on a node. @param dist  from the eye
     virtual void LogHit(INode*, ModContext*, DWORD /*dist*/, ULONG /*info*/, HitData* = nullptr) {}
 };

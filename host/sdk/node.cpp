@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
+#include "host/sdk/panel_pages.h"
 #include "host/sdk/scene.h"
 
 namespace tavrik_host {
@@ -10,6 +11,11 @@ namespace tavrik_host {
 HostNode::~HostNode() {
     assert(children_.empty());
     if (parent_ != nullptr) std::erase(parent_->children_, this);
+}
+
+void HostNode::SetName(const MCHAR* name) {
+    name_ = name;
+    PanelChanged();  // it may stand on a button
 }
 
 ObjectState HostNode::EvalWorldState(TimeValue t, BOOL) { return object_ == nullptr ? ObjectState() : object_->Eval(t); }

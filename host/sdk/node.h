@@ -19,7 +19,7 @@ class HostNode final : public INode {
     ~HostNode() override;
 
     const MCHAR* GetName() override { return name_.c_str(); }
-    void SetName(const MCHAR* name) override { name_ = name; }
+    void SetName(const MCHAR* name) override;
     Object* GetObjectRef() override { return object_; }
     ObjectState EvalWorldState(TimeValue t, BOOL evalHidden = TRUE) override;
     Matrix3 GetNodeTM(TimeValue t, Interval* valid = nullptr) override;

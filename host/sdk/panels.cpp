@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/sdk/panel_controls.h"
 #include "host/sdk/panel_pages.h"
 
 namespace tavrik_host {
@@ -28,7 +29,8 @@ struct OpenPage {
 /// Whose pages are open.
 struct Panel {
     INode* node = nullptr;
-    Object* object = nullptr;
+    ReferenceMaker* edited = nullptr;  // its object or, if `isMotion`, its controller
+    bool isMotion = false;
 };
 
 // Neither is ever destroyed: plug-ins may still close pages when the program's own statics have gone.
@@ -43,10 +45,45 @@ Panel& ThePanel() {
 }
 
 LibraryString libraryString = nullptr;
+unsigned long revision = 0;
+
+std::function<void()>& Listener() {
+    static auto* const listener = new std::function<void()>;
+    return *listener;
+}
 
 std::map<const ParamBlockDesc2*, int>& Invalidated() {
     static auto* const invalidated = new std::map<const ParamBlockDesc2*, int>;
     return *invalidated;
+}
+
+std::wstring TitleOf(HINSTANCE library, int id) {
+    if (id == 0) return L"";
+    if (libraryString != nullptr) return libraryString(library, id);
+    const MCHAR* const text = FindResourceString(library, id);
+    return text == nullptr ? L"" : text;
+}
+
+void AddControl(PanelWindow& page, int id, const MCHAR* text) {
+    if (id == 0) return;
+    auto control = std::make_unique<PanelWindow>();
+    control->id = id;
+    control->page = &page;
+    control->text = text;
+    page.controls[id] = std::move(control);
+}
+
+/// Makes the controls that the page's library says it has.
+void LayOut(PanelWindow& page, HINSTANCE library, int dialog) {
+    page.dialog = dialog;
+    page.layout = FindResourceDialog(library, dialog);
+    if (page.layout == nullptr) return;
+    for (const DialogControl& control : page.layout->controls) {
+        AddControl(page, control.id, control.text);
+        AddControl(page, control.edit, L"");
+        AddControl(page, control.labelId, control.label);
+        for (const DialogRadio& button : control.buttons) AddControl(page, button.id, button.label);
+    }
 }
 
 bool IsOpen(const PanelWindow* page) {
@@ -75,6 +112,8 @@ void TakeOut(const PanelWindow* page) {
     if (at == pages.end()) return;
     const OpenPage taken = std::move(*at);
     pages.erase(at);
+    EndPicking(*taken.window);
+    PanelChanged();
     SendMessageW(taken.window.get(), WM_DESTROY, 0, 0);
     if (taken.window->userProc != nullptr) taken.window->userProc->DeleteThis();
 }
@@ -86,14 +125,16 @@ void SendCommand(PanelWindow& page, PanelWindow& control, WORD notice) {
 
 }  // namespace
 
-HWND AddPage(HINSTANCE, const MCHAR* dlgTemplate, DLGPROC proc, const MCHAR* title, LPARAM param, DWORD, int category) {
+HWND AddPage(HINSTANCE instance, const MCHAR* dlgTemplate, DLGPROC proc, const MCHAR* title, LPARAM param, DWORD,
+             int category) {
     auto window = std::make_unique<PanelWindow>();
     PanelWindow& page = *window;
     page.text = title == nullptr ? L"" : title;
-    page.dialog = int(WORD(reinterpret_cast<std::uintptr_t>(dlgTemplate)));  // templates go by number
+    LayOut(page, instance, int(WORD(reinterpret_cast<std::uintptr_t>(dlgTemplate))));  // templates go by number
     page.proc = proc;
     page.category = category;
     OpenPages().push_back({std::move(window), nullptr});
+    PanelChanged();
     SendMessageW(&page, WM_INITDIALOG, 0, param);
     return &page;
 }
@@ -117,13 +158,13 @@ void OpenMapPages(IParamBlock2& block) {
         auto window = std::make_unique<PanelWindow>();
         PanelWindow& page = *window;
         page.titleString = int(def.title);
-        if (libraryString != nullptr && def.title != 0 && desc.cd != nullptr) {
-            page.text = libraryString(desc.cd->HInstance(), int(def.title));
-        }
-        page.dialog = def.dialog;
+        const HINSTANCE library = desc.cd == nullptr ? nullptr : desc.cd->HInstance();
+        page.text = TitleOf(library, int(def.title));
+        LayOut(page, library, def.dialog);
         auto map = std::make_unique<PageMap>(page, block, def.map);
         page.map = map.get();
         OpenPages().push_back({std::move(window), std::move(map)});
+        PanelChanged();
         SwitchProc(page, def.dlgProc);
     }
 }
@@ -152,30 +193,58 @@ int InvalidateCount(const ParamBlockDesc2& desc) {
     return at == Invalidated().end() ? 0 : at->second;
 }
 
-void CountInvalidate(const ParamBlockDesc2& desc) { ++Invalidated()[&desc]; }
+void CountInvalidate(const ParamBlockDesc2& desc) {
+    ++Invalidated()[&desc];
+    PanelChanged();
+}
+
+void PanelChanged() {
+    ++revision;
+    if (Listener()) Listener()();
+}
+
+unsigned long PanelRevision() { return revision; }
+
+void SetPanelListener(std::function<void()> listener) { Listener() = std::move(listener); }
+
+IParamBlock2* BlockOfPage(const PanelWindow& page) {
+    return IsOpen(&page) && page.map != nullptr ? page.map->GetParamBlock() : nullptr;
+}
+
+namespace {
+
+/// Closes the pages that are open. A controller that the node has no more is gone, and its pages went with it.
+/// @return whose they were, or null
+ReferenceMaker* EndEditing(ReferenceMaker* next) {
+    const Panel before = ThePanel();
+    ThePanel() = {};
+    if (before.edited == nullptr || (before.isMotion && before.node->GetTMController() != before.edited)) return nullptr;
+    before.edited->EndEditParams(GetCOREInterface(), 0, next);
+    return before.edited;
+}
+
+void Edit(INode& node, ReferenceMaker* edited, bool isMotion) {
+    ReferenceMaker* const before = EndEditing(edited);
+    ThePanel() = {&node, edited, isMotion};
+    GetCOREInterface()->SelectNode(&node);
+    if (edited != nullptr) edited->BeginEditParams(GetCOREInterface(), 0, before);
+}
+
+}  // namespace
 
 void OpenPanel(INode& node) {
-    Panel& panel = ThePanel();
-    if (panel.node == &node) return;
-    Object* const before = panel.object;
-    Object* const next = node.GetObjectRef();
-    Interface* const host = GetCOREInterface();
-    panel.node = nullptr;
-    panel.object = nullptr;
-    if (before != nullptr) before->EndEditParams(host, 0, next);
-    panel.node = &node;
-    panel.object = next;
-    host->SelectNode(&node);
-    if (next != nullptr) next->BeginEditParams(host, 0, before);
+    if (ThePanel().node == &node && !ThePanel().isMotion) return;
+    Edit(node, node.GetObjectRef(), false);
 }
 
-void ClosePanel() {
-    Panel& panel = ThePanel();
-    Object* const before = panel.object;
-    panel.node = nullptr;
-    panel.object = nullptr;
-    if (before != nullptr) before->EndEditParams(GetCOREInterface(), 0, nullptr);
+bool OpenMotionPanel(INode& node) {
+    Control* const controller = node.GetTMController();
+    if (controller == nullptr) return false;
+    if (ThePanel().node != &node || ThePanel().edited != controller) Edit(node, controller, true);
+    return true;
 }
+
+void ClosePanel() { EndEditing(nullptr); }
 
 INode* PanelNode() { return ThePanel().node; }
 
@@ -187,11 +256,11 @@ std::vector<PanelWindow*> Pages() {
 }
 
 PanelWindow* PageOf(MapID map) {
-    const Object* object = ThePanel().object;
+    const ReferenceMaker* edited = ThePanel().edited;
     for (const OpenPage& open : OpenPages()) {
-        if (object == nullptr || open.map == nullptr || open.map->GetMapID() != map) continue;
+        if (edited == nullptr || open.map == nullptr || open.map->GetMapID() != map) continue;
         const auto& users = open.map->GetParamBlock()->Dependents();
-        if (std::ranges::find(users, object) != users.end()) return open.window.get();
+        if (std::ranges::find(users, edited) != users.end()) return open.window.get();
     }
     return nullptr;
 }
@@ -206,17 +275,6 @@ void ChooseItem(PanelWindow& page, int control, int item) {
     if (combo == nullptr || !combo->enabled || item < 0 || item >= int(combo->items.size())) return;
     combo->selected = item;
     SendCommand(page, *combo, CBN_SELCHANGE);
-}
-
-bool PickNode(IParamBlock2& block, ParamID id, INode* node) {
-    const ParamDef* def = block.GetDesc()->FindParam(id);
-    if (def == nullptr || def->type != TYPE_INODE) return false;
-    if (def->validator != nullptr) {
-        PB2Value picked;
-        picked.r = node;
-        if (def->validator->Validate(picked, block.GetOwner(), id, 0) == FALSE) return false;
-    }
-    return block.SetValue(id, 0, node) != FALSE;
 }
 
 }  // namespace tavrik_host

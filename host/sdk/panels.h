@@ -12,6 +12,8 @@
 
 namespace tavrik_host {
 
+struct DialogTemplate;
+
 /// A page, or a control on one.
 class PanelWindow {
  public:
@@ -27,13 +29,14 @@ class PanelWindow {
 
     // Of a page.
     int dialog = 0;                                        // template
+    const DialogTemplate* layout = nullptr;                // what the template holds, where its library tells
     int titleString = 0;                                   // the title's entry in the library's string table
     int category = ROLLUP_CAT_STANDARD;                    // lower ones stand further down
     IParamMap2* map = nullptr;                             // null for a page without parameters
     DLGPROC proc = nullptr;                                // of such a page
     ParamMap2UserDlgProc* userProc = nullptr;              // of a page with parameters
     bool registered = false;                               // with the host's message loop
-    std::map<int, std::unique_ptr<PanelWindow>> controls;  // those that somebody asked for
+    std::map<int, std::unique_ptr<PanelWindow>> controls;  // of the layout; without one, those that somebody asked for
 };
 
 /// Selects a node and opens the pages of its object, as a click on it does. Another node's pages close first.

@@ -229,7 +229,9 @@ void ParamBlock::ForgetNode(INode* node) {
     for (Entry& entry : entries_) {
         if (EntryType(*entry.def) != TYPE_INODE || entry.reference >= 0) continue;
         auto& value = std::get<ReferenceTarget*>(entry.value);
-        if (value == node) value = nullptr;
+        if (value != node) continue;
+        value = nullptr;
+        PanelChanged();
     }
 }
 
@@ -265,6 +267,9 @@ void ParamBlock::RemapNodePointers(RemapDir& remap) {
     }
 }
 
-void ParamBlock::NotifyChange() { NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE); }
+void ParamBlock::NotifyChange() {
+    PanelChanged();
+    NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
+}
 
 }  // namespace tavrik_host

@@ -8,7 +8,9 @@ namespace tavrik_host {
 /// @param mode  null ends the present one
 void SetMode(PickModeCallback* mode);
 PickModeCallback* CurrentMode();
-/// @return null where nothing lies that `filter` lets through
-INode* NodeUnderMouse(PickNodeCallback* filter);
+/// The nearest node at a pixel of a view's window, or the one that is being clicked by hand.
+/// @param filter  which nodes may be picked; those that may not hide none behind them. Null: all
+/// @return null where there is none
+INode* NodeUnderMouse(HWND window, IPoint2 m, PickNodeCallback* filter);
 
 }  // namespace tavrik_host

@@ -1,6 +1,7 @@
 #include "host/sdk/picking.h"
 
 #include "host/sdk/pick_mode_state.h"
+#include "host/sdk/view_picking.h"
 
 namespace tavrik_host {
 namespace {
@@ -29,22 +30,40 @@ void SetMode(PickModeCallback* mode) {
 
 PickModeCallback* CurrentMode() { return current; }
 
-INode* NodeUnderMouse(PickNodeCallback* filter) {
-    return underMouse != nullptr && (filter == nullptr || filter->Filter(underMouse) != FALSE) ? underMouse : nullptr;
+INode* NodeUnderMouse(HWND window, IPoint2 m, PickNodeCallback* filter) {
+    const auto lets = [filter](INode& node) { return filter == nullptr || filter->Filter(&node) != FALSE; };
+    if (LineView* const view = ViewOf(window)) return NodeAt(*view, GetCOREInterface()->GetTime(), m, lets);
+    return underMouse != nullptr && lets(*underMouse) ? underMouse : nullptr;
 }
 
-bool ClickNode(INode* node) {
+namespace {
+
+/// @return whether the present mode took what lies there
+bool Click(ViewExp& view, IPoint2 m, int flags) {
     PickModeCallback* const mode = current;
     if (mode == nullptr) return false;
-    ClickedView view;
-    underMouse = node;
     Interface* const host = GetCOREInterface();
-    const bool hit = mode->HitTest(host, nullptr, &view, IPoint2(0, 0), 0) != FALSE;
+    const bool hit = mode->HitTest(host, view.GetHWnd(), &view, m, flags) != FALSE;
     const bool done = hit && mode->Pick(host, &view) != FALSE;
-    underMouse = nullptr;
     if (done && current == mode) SetMode(nullptr);
     return hit;
 }
+
+}  // namespace
+
+bool ClickNode(INode* node) {
+    ClickedView view;
+    underMouse = node;
+    const bool hit = Click(view, IPoint2(0, 0), 0);
+    underMouse = nullptr;
+    return hit;
+}
+
+bool CanClick(LineView& view, IPoint2 m, int flags) {
+    return current != nullptr && current->HitTest(GetCOREInterface(), view.GetHWnd(), &view, m, flags) != FALSE;
+}
+
+bool ClickView(LineView& view, IPoint2 m, int flags) { return Click(view, m, flags); }
 
 void RightClickView() {
     PickModeCallback* const mode = current;

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "host/sdk/panel_controls.h"
+#include "host/sdk/panel_pages.h"
 #include "host/sdk/prs_control.h"
 #include "host/sdk/standin.h"
 #include "host/sdk/texture_maps.h"
@@ -21,7 +23,8 @@ class LoadedLibrary {
     ULONG (*version)() = nullptr;
     int (*initialize)() = nullptr;
     int (*shutdown)() = nullptr;
-    bool ready = false;  // initialised, and not shut down again
+    const LibraryResources* resources = nullptr;  // null: it keeps them to itself
+    bool ready = false;                           // initialised, and not shut down again
 };
 
 namespace {
@@ -69,6 +72,12 @@ bool FindFunctions(LoadedLibrary& library, std::string& problem) {
            FindFunction(library, "LibVersion", library.version, problem) &&
            FindFunction(library, "LibInitialize", library.initialize, problem) &&
            FindFunction(library, "LibShutdown", library.shutdown, problem);
+}
+
+/// A library need not tell of its resources.
+void TakeResources(LoadedLibrary& library) {
+    auto* const call = reinterpret_cast<LibResourcesCall*>(dlsym(library.image, "LibResources"));
+    if (call != nullptr) library.resources = call(&library);
 }
 
 bool CheckVersion(const LoadedLibrary& library, std::string& problem) {
@@ -148,6 +157,7 @@ bool LoadPlugin(const std::filesystem::path& file, std::string& problem) {
         dlclose(image);
         return false;
     }
+    TakeResources(*library);
     // From here on it stays: whatever it did while it started may still point into it.
     LoadedLibrary& kept = *TheRegistry().libraries.emplace_back(std::move(library));
     return Start(kept, problem);
@@ -161,6 +171,21 @@ void ShutDownPlugins() {
         (*library)->ready = false;
     }
     registry.OwnClasses();
+}
+
+const MCHAR* FindResourceString(HINSTANCE library, int id) {
+    return library == nullptr || library->resources == nullptr ? nullptr : library->resources->FindString(id);
+}
+
+const DialogTemplate* FindResourceDialog(HINSTANCE library, int number) {
+    return library == nullptr || library->resources == nullptr ? nullptr : library->resources->FindDialog(number);
+}
+
+const DialogTemplate* FindDialogTemplate(int number) {
+    for (const auto& library : TheRegistry().libraries) {
+        if (const DialogTemplate* const found = FindResourceDialog(library.get(), number)) return found;
+    }
+    return nullptr;
 }
 
 const std::vector<ClassDesc*>& Classes() { return TheRegistry().classes; }

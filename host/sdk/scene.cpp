@@ -5,7 +5,7 @@
 #include <unordered_set>
 
 #include "host/sdk/node_watch.h"
-#include "host/sdk/panels.h"
+#include "host/sdk/panel_pages.h"
 #include "host/sdk/standin.h"
 
 namespace tavrik_host {
@@ -101,11 +101,13 @@ void ResetScene() {
     // Children first, so that none is moved to another parent just before its end.
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) scene.DeleteNode(**node);
     static_cast<SceneSettings&>(scene) = {};
+    PanelChanged();
 }
 
 void SetTicksPerFrame(int ticks) {
     assert(ticks > 0);
     TheScene().ticksPerFrame = ticks;
+    PanelChanged();
 }
 
 double MetresPerUnit() { return TheScene().metresPerUnit; }
@@ -113,6 +115,7 @@ double MetresPerUnit() { return TheScene().metresPerUnit; }
 void SetMetresPerUnit(double metres) {
     assert(metres > 0.0);
     TheScene().metresPerUnit = metres;
+    PanelChanged();
 }
 
 INode* CreateNode(Object* object, const std::wstring& name, INode* parent, ULONG handle) {

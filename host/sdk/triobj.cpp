@@ -1,6 +1,25 @@
 #include "host/sdk/triobj.h"
 
+#include "host/sdk/hit_drawing.h"
+
 const Class_ID triObjectClassID(9, 0);
+
+int TriObject::HitTest(TimeValue t, INode* inode, int type, int crossing, int, IPoint2* p, ViewExp* vpt) {
+    return tavrik_host::HitDrawing(t, *inode, type, crossing, p, vpt, [this](GraphicsWindow& gw) {
+        gw.startTriangles();
+        for (int i = 0; i < mesh.numFaces; ++i) {
+            const Face& face = mesh.faces[i];
+            Point3 corners[] = {mesh.verts[face.v[0]], mesh.verts[face.v[1]], mesh.verts[face.v[2]]};
+            gw.triangle(corners, nullptr);
+        }
+        gw.endTriangles();
+    });
+}
+
+void TriObject::GetWorldBoundBox(TimeValue t, INode* inode, ViewExp*, Box3& box) {
+    Matrix3 place = inode->GetObjectTM(t);
+    GetDeformBBox(t, box, &place, FALSE);
+}
 
 void TriObject::GetDeformBBox(TimeValue, Box3& box, Matrix3* tm, BOOL) {
     box.Init();

@@ -19,6 +19,10 @@ class TriObject final : public GeomObject {
     void InitNodeName(MSTR& s) override { s = L"Mesh_"; }
     int CanConvertToType(Class_ID id) override { return id == triObjectClassID ? 1 : 0; }
     Object* ConvertToType(TimeValue, Class_ID id) override { return id == triObjectClassID ? this : nullptr; }
+    using GeomObject::HitTest;
+    /// By its triangles, whichever side shows.
+    int HitTest(TimeValue t, INode* inode, int type, int crossing, int flags, IPoint2* p, ViewExp* vpt) override;
+    void GetWorldBoundBox(TimeValue t, INode* inode, ViewExp* vpt, Box3& box) override;
     void GetDeformBBox(TimeValue t, Box3& box, Matrix3* tm = nullptr, BOOL useSel = FALSE) override;
     RefTargetHandle Clone(RemapDir& remap) override;
 };

@@ -6,55 +6,72 @@
 namespace tavrik_host {
 namespace {
 
-/// From a point to the nearest one of a line.
-float DistanceTo(const Pixel& p, const Pixel& a, const Pixel& b) {
-    const float dx = b.x - a.x, dy = b.y - a.y, squared = dx * dx + dy * dy;
-    const float t = squared > 0.0f ? ((p.x - a.x) * dx + (p.y - a.y) * dy) / squared : 0.0f;
-    const float along = std::clamp(t, 0.0f, 1.0f);
-    return std::hypot(a.x + along * dx - p.x, a.y + along * dy - p.y);
+/// Where on a line the point nearest to `p` is, 0..1.
+double NearestOn(const RegionPoint& p, const RegionPoint& a, const RegionPoint& b) {
+    const double dx = b.x - a.x, dy = b.y - a.y, squared = dx * dx + dy * dy;
+    const double t = squared > 0.0 ? ((p.x - a.x) * dx + (p.y - a.y) * dy) / squared : 0.0;
+    return std::clamp(t, 0.0, 1.0);
 }
 
-bool Contains(const Rect& r, const Pixel& p) {
-    return p.x >= float(r.left) && p.x <= float(r.right) && p.y >= float(r.top) && p.y <= float(r.bottom);
+/// From a point to such a one.
+double DistanceTo(const RegionPoint& p, const RegionPoint& a, const RegionPoint& b, double along) {
+    return std::hypot(a.x + along * (b.x - a.x) - p.x, a.y + along * (b.y - a.y) - p.y);
+}
+
+bool Contains(const Rect& r, const RegionPoint& p) {
+    return p.x >= double(r.left) && p.x <= double(r.right) && p.y >= double(r.top) && p.y <= double(r.bottom);
 }
 
 /// Narrows the piece t0..t1 of a line from `a`, `d` long on one axis, to where it is between two bounds.
-void CutTo(float low, float high, float a, float d, float& t0, float& t1) {
-    if (d == 0.0f) {
-        if (a < low || a > high) t1 = -1.0f;
+void CutTo(double low, double high, double a, double d, double& t0, double& t1) {
+    if (d == 0.0) {
+        if (a < low || a > high) t1 = -1.0;
         return;
     }
-    const float at = (low - a) / d, to = (high - a) / d;
+    const double at = (low - a) / d, to = (high - a) / d;
     t0 = std::max(t0, std::min(at, to));
     t1 = std::min(t1, std::max(at, to));
 }
 
-bool Crosses(const Rect& r, const Pixel& a, const Pixel& b) {
-    float t0 = 0.0f, t1 = 1.0f;
-    CutTo(float(r.left), float(r.right), a.x, b.x - a.x, t0, t1);
-    CutTo(float(r.top), float(r.bottom), a.y, b.y - a.y, t0, t1);
+/// @param along  out: where the line enters
+bool Crosses(const Rect& r, const RegionPoint& a, const RegionPoint& b, double& along) {
+    double t0 = 0.0, t1 = 1.0;
+    CutTo(double(r.left), double(r.right), a.x, b.x - a.x, t0, t1);
+    CutTo(double(r.top), double(r.bottom), a.y, b.y - a.y, t0, t1);
+    along = t0;
     return t0 <= t1;
 }
 
 }  // namespace
 
-RegionAnswer TryRegion(const HitRegion& region, const Pixel& a, const Pixel& b) {
+RegionAnswer TryRegion(const HitRegion& region, const RegionPoint& a, const RegionPoint& b) {
     switch (region.type) {
         case POINT_RGN: {
-            const bool near = DistanceTo({float(region.pt.x), float(region.pt.y)}, a, b) <= float(region.epsilon);
-            return {near, near};
+            const RegionPoint point{double(region.pt.x), double(region.pt.y)};
+            const double along = NearestOn(point, a, b);
+            const bool near = DistanceTo(point, a, b, along) <= double(region.epsilon);
+            return {near, near, along};
         }
-        case RECT_RGN:
-            return {Crosses(region.rect, a, b), Contains(region.rect, a) && Contains(region.rect, b)};
+        case RECT_RGN: {
+            RegionAnswer answer{false, Contains(region.rect, a) && Contains(region.rect, b), 0.0};
+            answer.touched = Crosses(region.rect, a, b, answer.along);
+            return answer;
+        }
         case CIRCLE_RGN: {
-            const Pixel middle{float(region.circle.x), float(region.circle.y)};
-            const float radius = float(region.circle.r);
-            const auto holds = [&](const Pixel& p) { return std::hypot(p.x - middle.x, p.y - middle.y) <= radius; };
-            return {DistanceTo(middle, a, b) <= radius, holds(a) && holds(b)};
+            const RegionPoint middle{double(region.circle.x), double(region.circle.y)};
+            const double radius = double(region.circle.r), along = NearestOn(middle, a, b);
+            const auto holds = [&](const RegionPoint& p) { return std::hypot(p.x - middle.x, p.y - middle.y) <= radius; };
+            return {DistanceTo(middle, a, b, along) <= radius, holds(a) && holds(b), along};
         }
         default:
-            return {false, false};  // fences are not looked into here
+            return {false, false, 0.0};  // fences are not looked into here
     }
+}
+
+RegionPoint PointOf(const HitRegion& region) {
+    if (region.type == CIRCLE_RGN) return {double(region.circle.x), double(region.circle.y)};
+    if (region.type == RECT_RGN) return {double(region.rect.left), double(region.rect.top)};
+    return {double(region.pt.x), double(region.pt.y)};
 }
 
 }  // namespace tavrik_host

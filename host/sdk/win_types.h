@@ -34,6 +34,7 @@ using DLGPROC = INT_PTR (*)(HWND, UINT, WPARAM, LPARAM);
 #define FALSE 0
 
 constexpr UINT WM_DESTROY = 2, WM_INITDIALOG = 272, WM_COMMAND = 273;
+constexpr UINT CC_SPINNER_BUTTONUP = 1626;  // high word of the first parameter: whether the value was taken
 constexpr WORD CBN_SELCHANGE = 1, BN_CLICKED = 0;
 constexpr UINT CB_ADDSTRING = 0x143, CB_GETCURSEL = 0x147, CB_RESETCONTENT = 0x14B, CB_SETCURSEL = 0x14E;
 constexpr int GWLP_USERDATA = -21;
@@ -46,8 +47,8 @@ constexpr WPARAM MAKEWPARAM(WORD low, WORD high) { return WPARAM(low) | WPARAM(h
 // NOLINTNEXTLINE(performance-no-int-to-ptr): a number is what it is.
 inline const wchar_t* MAKEINTRESOURCEW(int id) { return reinterpret_cast<const wchar_t*>(std::uintptr_t(WORD(id))); }
 
-// What plug-ins do with the controls of their pages. A page makes a control when it is first asked for: which controls a
-// template holds is not the host's business.
+// What plug-ins do with the controls of their pages. Where a library keeps to itself what its templates hold, a page makes a
+// control when it is first asked for.
 HWND GetDlgItem(HWND page, int control);
 BOOL EnableWindow(HWND window, BOOL enable);
 BOOL IsWindowEnabled(HWND window);

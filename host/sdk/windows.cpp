@@ -1,9 +1,13 @@
-#include "host/sdk/panels.h"
+#include "host/sdk/panel_pages.h"
 
 using tavrik_host::PanelWindow;
 
 HWND GetDlgItem(HWND page, int control) {
     if (page == nullptr || page->page != nullptr) return nullptr;  // controls have none of their own
+    if (page->layout != nullptr) {
+        const auto found = page->controls.find(control);
+        return found == page->controls.end() ? nullptr : found->second.get();
+    }
     auto& item = page->controls[control];
     if (item == nullptr) {
         item = std::make_unique<PanelWindow>();
@@ -18,6 +22,7 @@ BOOL EnableWindow(HWND window, BOOL enable) {
     if (window == nullptr) return FALSE;
     const bool wasDisabled = !window->enabled;
     window->enabled = enable != FALSE;
+    tavrik_host::PanelChanged();
     return wasDisabled ? TRUE : FALSE;
 }
 
@@ -26,6 +31,7 @@ BOOL IsWindowEnabled(HWND window) { return window != nullptr && window->enabled 
 BOOL SetWindowTextW(HWND window, const wchar_t* text) {
     if (window == nullptr) return FALSE;
     window->text = text == nullptr ? L"" : text;
+    tavrik_host::PanelChanged();
     return TRUE;
 }
 
@@ -44,6 +50,7 @@ constexpr LRESULT kComboError = -1;
 
 /// Choosing by message tells nobody: only what the user chooses is a command.
 LRESULT SendToControl(PanelWindow& control, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != CB_GETCURSEL) tavrik_host::PanelChanged();
     switch (message) {
         case CB_ADDSTRING:
             control.items.emplace_back(reinterpret_cast<const wchar_t*>(lParam));  // NOLINT: messages carry pointers as numbers

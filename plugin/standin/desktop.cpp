@@ -109,6 +109,7 @@ tavrik::FileStore& ControlsFile() {
     return file;
 }
 
+tavrik::StandLayer* StandWindows() { return tavrik::TheDesktop().stand; }
 tavrik::TargetDriver* Driver() { return tavrik::TheDesktop().driver; }
 std::uint64_t RunSeed() { return tavrik::TheDesktop().seed; }
 bool StopsAtBadNumbers() { return tavrik::TheDesktop().stopAtBadNumbers; }

@@ -16,6 +16,7 @@
 #include "host/render/shade_point.h"
 #include "host/rig_objects.h"
 #include "host/sdk/standin.h"
+#include "tests/cli/driven_scene.h"
 #include "tests/cli/program.h"
 #include "tests/host/temp_folder.h"
 
@@ -23,28 +24,6 @@ namespace tavrik::test {
 namespace {
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
-
-/// A drive over a plane: away, rolling freely, then brakes that lock every wheel. Made once for all tests of the program.
-const std::string& DrivenScene() {
-    static const std::string bytes = [] {
-        const TempFolder folder;
-        folder.Write("hands.csv", "0, 0, 1, 0, 0, 0\n2, 0, 0, 0, 0, 0\n2.8, 0, 0, 1, 0, 0\n");
-        const auto run = [&folder](const std::vector<std::string>& words) {
-            const ProgramResult result = RunTavrik(folder.path(), words);
-            EXPECT_EQ(result.status, 0) << result.error;
-        };
-        run({"ground", "plane", "--triangles", "200", "--out", "ground.obj"});
-        run({"new", "--ground", "ground.obj", "--at", "1,2,0", "--seconds", "4", "--out", "scene.gltf"});
-        // As it is built, the stock car brakes within what its tyres can hold.
-        std::string text = FileBytes(folder / "scene.gltf");
-        const std::size_t at = text.find("2000", text.find("\"Brake_Sensitivity\""));
-        EXPECT_NE(at, std::string::npos);
-        folder.Write("scene.gltf", text.replace(at, 4, "12000"));
-        run({"drive", "scene.gltf", "--out", "scene.glb", "--input", "hands.csv", "--seconds", "4"});
-        return FileBytes(folder / "scene.glb");
-    }();
-    return bytes;
-}
 
 class RenderCommand : public testing::Test {
  protected:
@@ -73,7 +52,9 @@ class RenderCommand : public testing::Test {
 TEST_F(RenderCommand, ThreadsDontChangeAByte) {
     Expect(Words({"--frames", "90", "--out", "one.png", "--threads", "1"}));
     Expect(Words({"--frames", "90", "--out", "three.png", "--threads", "3"}));
+    Expect(Words({"--frames", "90", "--out", "all.png"}));
     EXPECT_TRUE(FileBytes(folder / "one.png") == FileBytes(folder / "three.png"));
+    EXPECT_TRUE(FileBytes(folder / "one.png") == FileBytes(folder / "all.png"));
 }
 
 TEST_F(RenderCommand, AFrameIsTheSameWhicheverRangeAskedForIt) {
@@ -149,6 +130,17 @@ TEST_F(RenderCommand, ASceneThatWasNeverDrivenHasAPictureToo) {
     EXPECT_TRUE(FileBytes(folder / "a.png").starts_with("\x89PNG"));
 }
 
+TEST_F(RenderCommand, ARecordingOfOneFrameHasAPictureWithoutTracks) {
+    Expect({"drive", "scene.glb", "--seconds", "0.03"});
+    Expect(Words({"--frames", "0-1", "--out", "with%d.png", "--roll", "1"}));
+    Expect(Words({"--frames", "0-1", "--out", "without%d.png", "--no-tracks"}));
+    for (const char* frame : {"0.png", "1.png"}) {
+        const std::string with = FileBytes(folder / (std::string("with") + frame));
+        EXPECT_TRUE(with.starts_with("\x89PNG") && with == FileBytes(folder / (std::string("without") + frame))) << frame;
+    }
+    Expect({"tracks", "scene.glb", "--bake", "c.png", "--size", "64"});
+}
+
 TEST_F(RenderCommand, TracksAreBakedIntoThePlaneOfTheGround) {
     const std::string told = Expect({"tracks", "scene.glb", "--bake", "c.png", "--bump", "n.png", "--size", "2048"});
     EXPECT_TRUE(Has(told, "straight down: x -150.000 to 150.000 m")) << told;
@@ -203,22 +195,30 @@ class TrackMarks : public testing::Test {
     }
     ~TrackMarks() override { tavrik_host::ResetScene(); }
 
-    /// The darkest of the places right below the wheels' middles as they were at a tick.
-    float Under(TimeValue tick, const tavrik_host::TrackLook& look) const {
+    /// The places right below the wheels' middles as they were at a tick.
+    static std::vector<::Point3> PlacesUnder(TimeValue tick) {
+        std::vector<::Point3> places;
+        for (INode* const wheel : tavrik_host::NodesOf(ObjectClass::Wheel)) {
+            places.push_back(wheel->GetNodeTM(tick).GetTrans());
+            places.back().z = 0.0f;
+        }
+        return places;
+    }
+    /// The darkest of some places at the end of the drive.
+    static float DarkestOf(const std::vector<::Point3>& places, const tavrik_host::TrackLook& look) {
         constexpr TimeValue kEnd = 4 * 4800;
         tavrik_host::TrackPainter painter(tavrik_host::NodesOf(ObjectClass::Tavrik), look);
         painter.Update(kEnd);
         const ::Matrix3 identity(TRUE);
         tavrik_host::ShadePoint point(kEnd, nullptr, identity);
         float darkest = 1.0f;
-        for (INode* const wheel : tavrik_host::NodesOf(ObjectClass::Wheel)) {
-            ::Point3 place = wheel->GetNodeTM(tick).GetTrans();
-            place.z = 0.0f;
+        for (const ::Point3& place : places) {
             point.MoveTo(place, ::Point3(0, 0, 1));
             darkest = std::min(darkest, painter.At(point).value);
         }
         return darkest;
     }
+    static float Under(TimeValue tick, const tavrik_host::TrackLook& look) { return DarkestOf(PlacesUnder(tick), look); }
 
     tavrik_host::SceneDocument document;
 };
@@ -232,6 +232,18 @@ TEST_F(TrackMarks, AreDarkerWhereAWheelRolled) {
 TEST_F(TrackMarks, AreDarkerStillWhereItSlid) {
     const tavrik_host::TrackLook look;
     EXPECT_LT(Under(TimeValue(3.15 * 4800), look), 0.5f * Under(TimeValue(2.4 * 4800), look));
+}
+
+TEST_F(TrackMarks, ArePlainWhereTheWheelsAreGone) {
+    tavrik_host::TrackLook look;
+    look.skid = 0.0f;
+    look.roll = 1.0f;
+    const std::vector<::Point3> places = PlacesUnder(TimeValue(2.4 * 4800));
+    const float even = DarkestOf(places, look);
+    for (INode* const wheel : tavrik_host::NodesOf(ObjectClass::Wheel)) GetCOREInterface()->DeleteNode(wheel);
+    const float plain = DarkestOf(places, look);
+    EXPECT_LT(plain, 1.0f);
+    EXPECT_GT(plain, even);  // a rounded section presses less than a tread that touches all over
 }
 
 TEST_F(TrackMarks, AreNoneWhereTheMasterIsGone) {

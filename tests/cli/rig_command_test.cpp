@@ -11,8 +11,10 @@
 #include <numbers>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "host/car_placement.h"
 #include "host/glb_writer.h"
 #include "host/plugin_file.h"
 #include "host/rig_objects.h"
@@ -23,6 +25,7 @@
 #include "host/wide_text.h"
 #include "rig/parameter_tables.h"
 #include "solver/double_maths.h"
+#include "surface/surface_tree.h"
 #include "tests/cli/program.h"
 #include "tests/host/temp_folder.h"
 #include "tests/support/test_random.h"
@@ -36,6 +39,44 @@ constexpr const char* kARightTurn =
     "3, 0.5, 0.3, 0, 0, 0\n"
     "5, 0, 0.3, 0, 0, 0\n"
     "7, 0, 0, 0.6, 0, 0\n";
+
+/// Ten seconds over a ground that somebody else made, by keys: pulling away, to the left at second 3, to the right at second 6,
+/// and rolling on from second 8.
+struct Ride {
+    const char *ground, *start;
+    double throttle;       // seconds of each half second for which its key is down
+    double steer;          // seconds for which each of the other two is
+    double leastDistance;  // m
+};
+constexpr const char *kHill = "medium/bump.obj", *kHillStart = "-18,-18,45";  // 64 m wide and 3 m high: up, and over its flank
+constexpr const char *kTown = "medium/town_geometry.glb", *kTownStart = "-120,-120,90";  // by the houses, on a plain of 2 km
+constexpr double kLeft = 3.0, kRight = 6.0, kRideSeconds = 10.0;
+
+std::string KeysOf(const Ride& ride) {
+    std::vector<std::pair<double, std::string>> keys = {{0.0, "key-down W"},    {1.5, "key-up W"},
+                                                        {kLeft, "key-down A"},  {kLeft + ride.steer, "key-up A"},
+                                                        {kRight, "key-down D"}, {kRight + ride.steer, "key-up D"}};
+    for (double end = 2.0; end < 8.25; end += 0.5) {
+        keys.emplace_back(end - ride.throttle, "key-down W");
+        keys.emplace_back(end, "key-up W");
+    }
+    std::stable_sort(keys.begin(), keys.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::string text;
+    for (const auto& [seconds, key] : keys) text += std::to_string(seconds) + ", " + key + "\n";
+    return text;
+}
+
+// A truck and its trailer, put together from the parts of one file.
+constexpr const char* kTruckFile = "cars/truck_and_trailer/meshes.glb";
+constexpr const char* kTruckPlaces = R"({"vehicles": [
+        {"name": "Cab", "hitch": [0, 0.7046, -0.9601], "parts": [
+            {"name": "TruckCab", "at": [-0.0017, 0.2229, -0.0955]},
+            {"name": "Wheel", "at": [-0.5754, 0.2237, 1.0087]}, {"name": "Wheel", "at": [0.572, 0.2237, 1.0087]},
+            {"name": "Wheel", "at": [-0.5754, 0.2237, -0.8789]}, {"name": "Wheel", "at": [0.572, 0.2237, -0.8789]}]},
+        {"name": "Trailer", "tongue": [0, 0.7046, -0.9601], "parts": [
+            {"name": "TruckTrailer", "at": [-0.0017, 0.6379, -2.7812]},
+            {"name": "Wheel", "at": [-0.5754, 0.2352, -3.382]}, {"name": "Wheel", "at": [0.572, 0.2352, -3.382]},
+            {"name": "Wheel", "at": [-0.5754, 0.2352, -4.314]}, {"name": "Wheel", "at": [0.572, 0.2352, -4.314]}]}]})";
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
@@ -152,11 +193,12 @@ class Rig : public testing::Test {
             << problem;
     }
     /// Drives the first vehicle of the scene and reads all of them.
-    std::vector<Driven> Drive(double seconds, const std::string& master = "") const {
-        folder.Write("hands.csv", kARightTurn);
+    std::vector<Driven> Drive(double seconds, const std::string& master = "", const std::string& hands = kARightTurn) const {
+        folder.Write("hands.csv", hands);
         std::vector<std::string> words = {"drive", "scene.glb", "--input", "hands.csv", "--seconds", std::to_string(seconds)};
         if (!master.empty()) words.insert(words.end(), {"--master", master});
-        Expect(words);
+        const std::string told = Expect(words);
+        EXPECT_FALSE(Has(told, "Note")) << told;
         Load();
         std::vector<Driven> vehicles;
         std::string problem;
@@ -166,6 +208,64 @@ class Rig : public testing::Test {
             driven.run = TakeRunSamples(*driven.rig);
         }
         return vehicles;
+    }
+    /// Rigs a model onto the ride's ground and has a look at the scene.
+    void MakeOn(const Ride& ride, const std::string& model, const std::vector<std::string>& more = {}) const {
+        const std::filesystem::path ground = std::filesystem::path(DataFolder()) / "ground" / ride.ground;
+        std::vector<std::string> words = {"rig", model, "--ground", ground.string(), "--at", ride.start, "--out", "scene.glb"};
+        words.insert(words.end(), more.begin(), more.end());
+        Expect(words);
+        const std::string told = Expect({"check", "scene.glb"});
+        EXPECT_FALSE(Has(told, "Error")) << told;
+    }
+    void ExpectSettles(const std::vector<std::string>& more = {}) const {
+        std::vector<std::string> words = {"settle", "scene.glb"};
+        words.insert(words.end(), more.begin(), more.end());
+        const std::string told = Expect(words);
+        EXPECT_TRUE(Has(told, "Settled   ")) << told;
+        EXPECT_FALSE(Has(Expect({"check", "scene.glb"}), "Error"));
+    }
+    /// The vehicle stayed above its ground and on its wheels, and got somewhere.
+    /// @param surface  the ground, which it never left
+    static void ExpectStayedUpright(const Driven& vehicle, const SurfaceTree& surface, double leastUpright,
+                                    double leastDistance) {
+        EXPECT_GT(vehicle.LeastUpright(), leastUpright);
+        double way = 0.0, standing = 0.0;
+        const std::vector<RunReading>& readings = vehicle.run.readings;
+        ASSERT_GT(readings.back().seconds, kRideSeconds - 0.1);
+        for (std::size_t i = 0; i < readings.size(); ++i) {
+            const DPoint3& p = readings[i].position;
+            double ground = 0.0;
+            ASSERT_TRUE(GroundBelow(surface, p.x, p.y, ground)) << "ran off at second " << readings[i].seconds;
+            if (i == 0) standing = p.z - ground;
+            ASSERT_GT(p.z - ground, 0.5 * standing) << "second " << readings[i].seconds;
+            ASSERT_LT(p.z - ground, 2.0 * standing) << "second " << readings[i].seconds;
+            if (i > 0) way += Length(p - readings[i - 1].position);
+        }
+        EXPECT_GT(way, leastDistance * 100.0);
+        EXPECT_LT(way, leastDistance * 300.0);
+    }
+    /// Rides a scene that is rigged, and has its film looked at by other people's tools.
+    void ExpectGoodRide(const Ride& ride, double leastUpright, double leastTurn, const std::string& master = "") const {
+        const std::vector<Driven> vehicles = Drive(kRideSeconds, master, KeysOf(ride));
+        SurfaceTree surface;
+        ASSERT_TRUE(surface.Build(tavrik_host::ReadSurface(*tavrik_host::NodesOf(ObjectClass::Tavrik).front())));
+        for (const Driven& vehicle : vehicles) ExpectStayedUpright(vehicle, surface, leastUpright, ride.leastDistance);
+        const Driven& driven = vehicles.front();
+        EXPECT_LT(driven.Reading(kLeft + 2.0).heading, driven.Reading(kLeft).heading - leastTurn);
+        EXPECT_GT(driven.Reading(kRight + 2.0).heading, driven.Reading(kRight).heading + leastTurn);
+        Expect({"bake", "scene.glb", "--out", "film.glb"});
+        ExpectValid("film.glb");
+    }
+    /// Skips what is left of a test where the validator isn't installed.
+    void ExpectValid(const std::string& file) const {
+        const std::string tools = TAVRIK_TOOLS_FOLDER;
+        if (!std::filesystem::exists(tools + "/node_modules") || std::system("command -v node >/dev/null") != 0) {
+            GTEST_SKIP() << "run npm ci in " << tools << " first";
+        }
+        const std::string command = "node '" + tools + "/validate_gltf.mjs' '" + (folder / file).string() + "' >'" +
+                                    (folder / "verdict.txt").string() + "' 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0) << FileBytes(folder / "verdict.txt");
     }
     /// A model that can't be rigged: one sentence that tells `fault` and names the model, and nothing is written.
     void ExpectRefused(const std::string& fault, std::vector<std::string> words) const {
@@ -206,8 +306,7 @@ std::vector<Hung> HungMeshes() {
     return hung;
 }
 
-// ------------------------------------------------------------------------------------------------------------- everyone's
-// models
+// ---------------------------------------------------------------------------------------------------------- everyone's models
 
 struct DataCar {
     const char* file;
@@ -322,18 +421,44 @@ TEST_P(RiggedModel, StaysAtItsHeightWhileNobodyDrives) {
     EXPECT_NEAR(car.Reading(seconds).position.z, car.Reading(0.0).position.z, 1.0);
 }
 
+TEST_P(RiggedModel, RidesOverTheGroundsOfOthersByKeys) {
+    const bool bike = GetParam().bike;
+    // A motorcycle leans before it turns, and so wants its keys longer; on the plain everyone is twice as fast.
+    for (const Ride& ride :
+         {Ride{kHill, kHillStart, 0.2, bike ? 1.0 : 0.5, 40.0}, Ride{kTown, kTownStart, 0.4, bike ? 1.0 : 0.3, 60.0}}) {
+        SCOPED_TRACE(ride.ground);
+        MakeOn(ride, model.string());
+        if (bike) {
+            const std::string before = FileBytes(folder / "scene.glb");
+            const ProgramResult settled = RunTavrik(folder.path(), {"settle", "scene.glb"});
+            EXPECT_EQ(settled.status, 1) << settled.out;
+            EXPECT_TRUE(Has(settled.error, "is balanced only while it is driven, so it can't stand by itself"))
+                << settled.error;
+            EXPECT_EQ(FileBytes(folder / "scene.glb"), before);
+        } else {
+            ExpectSettles();
+        }
+        ExpectGoodRide(ride, bike ? 0.85 : 0.95, bike ? 3.0 : 5.0);
+    }
+}
+
+std::filesystem::path TruckFile() { return std::filesystem::path(DataFolder()) / kTruckFile; }
+
+TEST_F(Rig, ATruckAndItsTrailerRideOverTheGroundsOfOthersByKeys) {
+    if (!std::filesystem::exists(TruckFile())) GTEST_SKIP() << "no real input data at " << DataFolder();
+    folder.Write("places.json", kTruckPlaces);
+    for (const Ride& ride : {Ride{kHill, kHillStart, 0.4, 0.5, 25.0}, Ride{kTown, kTownStart, 0.4, 0.3, 30.0}}) {
+        SCOPED_TRACE(ride.ground);
+        MakeOn(ride, TruckFile().string(), {"--place", "places.json"});
+        ExpectSettles({"--master", "Cab"});
+        ExpectGoodRide(ride, 0.95, 5.0, "Cab");
+    }
+}
+
 TEST_F(Rig, DrawsATruckAndItsTrailerFromPlaces) {
-    const std::filesystem::path model = std::filesystem::path(DataFolder()) / "cars/truck_and_trailer/meshes.glb";
+    const std::filesystem::path model = TruckFile();
     if (!std::filesystem::exists(model)) GTEST_SKIP() << "no real input data at " << DataFolder();
-    folder.Write("places.json", R"({"vehicles": [
-        {"name": "Cab", "hitch": [0, 0.7046, -0.9601], "parts": [
-            {"name": "TruckCab", "at": [-0.0017, 0.2229, -0.0955]},
-            {"name": "Wheel", "at": [-0.5754, 0.2237, 1.0087]}, {"name": "Wheel", "at": [0.572, 0.2237, 1.0087]},
-            {"name": "Wheel", "at": [-0.5754, 0.2237, -0.8789]}, {"name": "Wheel", "at": [0.572, 0.2237, -0.8789]}]},
-        {"name": "Trailer", "tongue": [0, 0.7046, -0.9601], "parts": [
-            {"name": "TruckTrailer", "at": [-0.0017, 0.6379, -2.7812]},
-            {"name": "Wheel", "at": [-0.5754, 0.2352, -3.382]}, {"name": "Wheel", "at": [0.572, 0.2352, -3.382]},
-            {"name": "Wheel", "at": [-0.5754, 0.2352, -4.314]}, {"name": "Wheel", "at": [0.572, 0.2352, -4.314]}]}]})");
+    folder.Write("places.json", kTruckPlaces);
     Make(model.string(), {"--place", "places.json"});
     const std::string info = Expect({"info", "scene.glb"});
     EXPECT_TRUE(Has(info, "Car       Cab: locked")) << info;

@@ -139,6 +139,7 @@ TEST_F(PluginLibrary, ExportsWhatTheHostCallsAndNothingElse) {
                                              "LibDescription",
                                              "LibInitialize",
                                              "LibNumberClasses",
+                                             "LibResources",
                                              "LibShutdown",
                                              "LibVersion",
                                              "SetupChassisObject_param_blk",

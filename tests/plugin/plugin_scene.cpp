@@ -153,6 +153,14 @@ Car AddCar(const Point3& at) {
     return car;
 }
 
+Car AddBody(const Point3& at) {
+    const Matrix3 place = At(at.x, at.y, at.z);
+    Car body{&AddNode(kMasterClass, place), &AddNode(kChassisClass, place), {}, {}, {}};
+    Set(*body.chassis, 3, float(kBodyMass));
+    for (int i = 0; i < 3; ++i) Set(*body.master, kDummySize, 300.0f, i);
+    return body;
+}
+
 INode& AddGround() {
     constexpr int kCells = 40;
     constexpr float kSpacing = 250.0f;

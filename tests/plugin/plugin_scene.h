@@ -69,6 +69,9 @@ struct Car {
     std::vector<INode*> Parts() const;  // all but the master
 };
 Car AddCar(const Point3& at = {0, 0, 0});
+/// A car without wheels, which weighs `kBodyMass` and falls freely from where it stands.
+Car AddBody(const Point3& at);
+constexpr double kBodyMass = 1000.0;
 /// A ground of 100 x 100 m: level around the middle, bumpy farther out.
 INode& AddGround();
 

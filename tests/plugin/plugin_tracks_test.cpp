@@ -202,6 +202,30 @@ TEST_F(PluginTracks, SettingsAreReadAtTheUpdate) {
     EXPECT_EQ(ValueAt(OnTrack()), 1.0f);
 }
 
+TEST_F(PluginTracks, NoMapNoTimeAndNoPlaceGetsTheAnswerOfAnother) {
+    LeaveTracks();
+    Update();
+    Texmap* const strong = NewTexture();
+    const Holder held(strong);
+    strong->GetParamBlockByID(0)->SetValue(kMasterHandle, 0, int(car.master->GetHandle()));
+    strong->GetParamBlockByID(0)->SetValue(kGeneral, 0, 10.0f);
+    Interval valid = FOREVER;
+    strong->Update(kLater, valid);
+    WorldPoint place;
+    place.world = OnTrack();
+    place.time = kLater;
+    const float weak = ValueAt(place.world);
+    const Point3 bump = BumpAt(place.world);
+    ASSERT_GT(LengthSquared(bump), 0.0f);
+    EXPECT_LT(strong->EvalColor(place).r, weak);
+    EXPECT_EQ(ValueAt(place.world), weak);
+    EXPECT_EQ(ValueAt(place.world, 0), 1.0f);
+    EXPECT_EQ(BumpAt(place.world), bump);
+    EXPECT_EQ(ValueAt(place.world + Point3(40, 0, 0)), 1.0f);
+    EXPECT_EQ(BumpAt(place.world + Point3(40, 0, 0)), Point3(0, 0, 0));
+    EXPECT_EQ(ValueAt(place.world), weak);
+}
+
 TEST_F(PluginTracks, SamplesThatNoControlLetsThroughEndAllTheSame) {
     LeaveTracks(20);
     for (const int samples : {0, -5, 2'000'000'000}) {

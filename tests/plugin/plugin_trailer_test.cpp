@@ -1,6 +1,7 @@
-// Cars that are hitched together, and cars that are pushed.
+// Cars that are hitched together.
 
-#include "host/sdk/param_block.h"
+#include <cmath>
+
 #include "tests/plugin/plugin_scene.h"
 
 namespace plugin_test {
@@ -138,142 +139,127 @@ TEST_F(PluginHitched, DeletingTheTongueInARunLeavesTheJointForThisRun) {
 }
 
 // ------------------------------------------------------------------------------------------------------------------------
-// pushes
+// the joint alone, between bodies in free fall
 
-class PluginPush : public PluginScene {
- public:
-    PluginPush() {
-        Set(push, 6, car.master);
-        Set(push, 2, 2.0f);
-        Set(push, 3, 0);
-        MakeReady(car, ground);
-    }
-    /// Lets the car roll, nobody driving. @return its recording
-    std::unique_ptr<tavrik::RecordedMotion> Roll(int frames) {
-        Press(*car.master, kAnimation, kResetAnimation);
-        GetCOREInterface()->SetTime(0);
-        Press(*car.master, kDriving, kDrive);
-        if (windows.TimerRuns()) Enter();
-        Enter();
-        DriveFrames(frames);
-        return MotionOf(*car.master);
-    }
-    /// The tick of the first sample in which the two runs differ.
-    static TimeValue FirstDifference(const tavrik::RecordedMotion& a, const tavrik::RecordedMotion& b) {
-        EXPECT_EQ(a.frames, b.frames);
-        for (std::size_t f = 0; f < std::size_t(a.frames); ++f) {
-            const tavrik::DPoint3 &p = a.chassis[f].momentum, &q = b.chassis[f].momentum;
-            if (p.x != q.x || p.y != q.y || p.z != q.z) return a.times[f];
+constexpr double kStepSeconds = 32.0 / 4800.0 / 30.0;  // a sample is 32 ticks and 30 steps
+
+/// What a step does with two bodies in one line and a spring between them.
+struct PlainPair {
+    double gap, speed = 0.0, momentum = 0.0;  // of the rear body seen from the front one; of the front one
+
+    void Step(double stiffness, double damping) {
+        gap += speed * kStepSeconds;
+        for (double w = kStepSeconds * 0.3, pass = 0; pass < 10; ++pass, w *= 0.7) {
+            momentum += (speed * damping + gap * stiffness) * w;
+            speed = -2.0 * momentum / kBodyMass;
         }
-        return TIME_PosInfinity;
     }
-    static double Speed(const tavrik::RecordedMotion& motion) { return motion.chassis.back().momentum.y / 1250.0; }
-
-    Car car = AddCar();
-    INode& push = AddNode(kPushClass, At(0, 0, 51));
-    INode& ground = AddGround();
 };
 
-TEST_F(PluginPush, PushesAlongItsYAxis) {
-    const double speed = Speed(*Roll(10));
-    EXPECT_GT(speed, 100.0);
-    Set(push, 2, -2.0f);
-    EXPECT_LT(Speed(*Roll(10)), -100.0);
+/// A row of bodies in free fall. They are locked far from each other, and start where hitch and tongue meet, or apart.
+class PluginCoupled : public PluginScene {
+ public:
+    struct Link {
+        Car body;
+        INode *hitch, *tongue;
+    };
+    /// @param apart  from each hitch to the tongue behind it, at the start
+    void Build(const Point3& apart) {
+        for (int i = 0; i < 3; ++i) {
+            const float x = 1000.0f * float(i);
+            const Point3 start = Point3(0, -500, 0) * float(i) + apart * float(i) + Point3(0, 0, 3000);
+            const Link& link = row.emplace_back(Link{AddBody({x, 0, 3000}), &AddNode(kHitchClass, At(x, -250, 3000)),
+                                                     &AddNode(kTongueClass, At(x, 250, 3000))});
+            Set(*link.body.master, kStartNode, &AddNode(kStartClass, At(start.x, start.y, start.z)));
+            MakeReady(link.body, ground);
+        }
+    }
+    void Hitch(std::size_t front, std::size_t behind) { Set(*row[front].hitch, 2, row[behind].tongue); }
+    void Fall(int frames) {
+        Press(*row[0].body.master, kDriving, kDrive);
+        Enter();
+        DriveFrames(frames);
+    }
+    int Frames(std::size_t which) { return MotionOf(*row[which].body.master)->frames; }
+    tavrik::MotionSample Last(std::size_t which) { return MotionOf(*row[which].body.master)->chassis.back(); }
+    /// The momentum that gravity alone gives a body in a number of frames.
+    double Fallen(int frames) {
+        return -double(FloatOf(*row[0].body.master, 1)) * kBodyMass * 0.9717524751 * kStepSeconds * 30.0 * 5.0 * frames;
+    }
+
+    INode& ground = AddGround();
+    std::vector<Link> row;
+};
+
+TEST_F(PluginCoupled, PointsThatMeetOnBodiesThatMoveAlikeFeelNothingAtAll) {
+    Build({0, 0, 0});
+    Hitch(0, 1);
+    Fall(5);
+    for (const std::size_t i : {0u, 1u}) {
+        ASSERT_EQ(Frames(i), 26);
+        const tavrik::MotionSample body = Last(i);
+        EXPECT_EQ(body.momentum.x, 0.0);
+        EXPECT_EQ(body.momentum.y, 0.0);
+        EXPECT_NEAR(body.momentum.z, Fallen(5), 1e-4);
+        EXPECT_EQ(Length(body.angularMomentum), 0.0);
+    }
 }
 
-TEST_F(PluginPush, APushForNobodyOrAnotherCarDoesNothing) {
-    Set(push, 6, static_cast<INode*>(nullptr));
-    const auto none = Roll(6);
-    Set(push, 6, &AddNode(kMasterClass, At(0, 5000, 0)));
-    EXPECT_EQ(FirstDifference(*none, *Roll(6)), TIME_PosInfinity);
-    Set(push, 6, car.master);
-    EXPECT_EQ(FirstDifference(*none, *Roll(6)), 0);
+TEST_F(PluginCoupled, AChainTakesEachCarAlongOnce) {
+    Build({0, 0, 0});
+    Hitch(0, 1);
+    Hitch(1, 2);
+    Fall(5);
+    for (const std::size_t i : {0u, 1u, 2u}) {
+        ASSERT_EQ(Frames(i), 26);
+        EXPECT_NEAR(Last(i).momentum.z, Fallen(5), 1e-4);  // who is in the world twice falls twice as fast
+    }
 }
 
-TEST_F(PluginPush, ActsFromItsStartThroughItsEnd) {
-    Set(push, 3, 800);
-    Set(push, 4, 0.1f);  // 480 ticks
-    const auto whole = Roll(10);
-    Set(push, 4, 0.0999f);
-    const auto shorter = Roll(10);
-    Set(push, 2, 0.0f);
-    const auto none = Roll(10);
-    EXPECT_EQ(FirstDifference(*none, *whole), 800);
-    EXPECT_EQ(FirstDifference(*shorter, *whole), 1280);
+TEST_F(PluginCoupled, ARingTakesEachCarAlongOnce) {
+    Build({0, 0, 0});
+    for (const std::size_t i : {0u, 1u, 2u}) Hitch(i, (i + 1) % 3);
+    Fall(1);
+    tavrik::DPoint3 sum{};
+    for (const std::size_t i : {0u, 1u, 2u}) {
+        ASSERT_EQ(Frames(i), 6);
+        sum += Last(i).momentum;
+    }
+    EXPECT_NEAR(sum.z, 3.0 * Fallen(1), 1e-4);
+    EXPECT_GT(Last(2).momentum.y, 1000.0);  // the first one, far ahead of it, pulls
 }
 
-TEST_F(PluginPush, OneTickLaterIsOneSampleLater) {
-    Set(push, 3, 801);
-    const auto later = Roll(8);
-    Set(push, 2, 0.0f);
-    EXPECT_EQ(FirstDifference(*Roll(8), *later), 832);
+TEST_F(PluginCoupled, AnEmptyConnectionPullsNothing) {
+    Build({0, -10, 0});
+    Fall(3);
+    EXPECT_EQ(Last(0).momentum.y, 0.0);
+    EXPECT_EQ(Frames(1), 1);
 }
 
-TEST_F(PluginPush, AFullPercentageIsTheWholeForce) {
-    Set(push, 2, 10.0f);
-    Set(push, 4, 100.0f);
-    const auto single = Roll(4);
-    Set(push, 1, 1);
-    Set(push, 5, 100.0f);
-    EXPECT_EQ(FirstDifference(*single, *Roll(4)), TIME_PosInfinity);
-    Set(push, 5, 0.0f);
-    const auto nothing = Roll(4);
-    Set(push, 2, 0.0f);
-    EXPECT_EQ(FirstDifference(*nothing, *Roll(4)), TIME_PosInfinity);
+TEST_F(PluginCoupled, ANewHitchPullsOnceAndIsDampedAfterItsRuggedness) {
+    Build({0, -10, 0});
+    Hitch(0, 1);
+    ASSERT_EQ(FloatOf(*row[0].hitch, 1), 500000.0f);
+    Fall(6);
+    const auto motion = MotionOf(*row[0].body.master);
+    PlainPair plain{-10.0};
+    ASSERT_EQ(motion->frames, 31);
+    for (std::size_t f = 1; f < 31; ++f) {
+        for (int i = 0; i < 30; ++i) plain.Step(500000.0, 14142.1356);
+        EXPECT_NEAR(motion->chassis[f].momentum.y, plain.momentum, 1e-3) << f;  // of 80000 at most
+    }
+    EXPECT_LT(std::abs(plain.gap), 5.0);
 }
 
-TEST_F(PluginPush, AnAnimatedPercentageIsReadAtEachSample) {
-    Set(push, 1, 1);
-    const auto nothing = Roll(8);
-    auto& block = dynamic_cast<tavrik_host::ParamBlock&>(BlockOf(push));
-    ASSERT_TRUE(block.SetKeys(5, {{640, 0.0f}, {672, 50.0f}}));
-    EXPECT_EQ(FirstDifference(*nothing, *Roll(8)), 672);
-}
-
-TEST_F(PluginPush, TurnsWithItsNode) {
-    Matrix3 sideways = At(0, 0, 51);  // Y along the world's X
-    sideways.SetRow(0, Point3(0, -1, 0));
-    sideways.SetRow(1, Point3(1, 0, 0));
-    Move(push, sideways);
-    const auto motion = Roll(3);
-    EXPECT_GT(motion->chassis.back().momentum.x, 1250.0 * 10.0);
-}
-
-TEST_F(PluginPush, MovedInARunItActsFromWhereItIsNow) {
-    Set(push, 4, 100.0f);
-    const auto straight = Roll(8);
-    Press(*car.master, kAnimation, kResetAnimation);
-    GetCOREInterface()->SetTime(0);
-    Press(*car.master, kDriving, kDrive);
-    if (windows.TimerRuns()) Enter();
-    Enter();
-    DriveFrames(4);
-    Move(push, At(30, 0, 51));
-    DriveFrames(4);
-    EXPECT_EQ(FirstDifference(*straight, *MotionOf(*car.master)), 640);
-}
-
-TEST_F(PluginPush, DeletedInARunItPushesNoMore) {
-    Set(push, 4, 780.0f / 4800.0f);  // up to the last sample of five frames
-    const auto wanted = Roll(10);
-    Set(push, 4, 100.0f);
-    Press(*car.master, kAnimation, kResetAnimation);
-    GetCOREInterface()->SetTime(0);
-    Press(*car.master, kDriving, kDrive);
-    if (windows.TimerRuns()) Enter();
-    Enter();
-    DriveFrames(5);
-    GetCOREInterface()->DeleteNode(&push);
-    DriveFrames(5);
-    EXPECT_EQ(FirstDifference(*wanted, *MotionOf(*car.master)), TIME_PosInfinity);
-}
-
-TEST_F(PluginPush, MorePushesThanFitDriveNothing) {
-    for (int i = 0; i < 100; ++i) Set(AddNode(kPushClass, At(0, 0, 51)), 6, car.master);
-    Press(*car.master, kDriving, kDrive);
-    Enter();
-    DriveFrames(3);
-    EXPECT_LE(MotionOf(*car.master)->frames, 16);
+TEST_F(PluginCoupled, BothKeepTheirMomentumTogether) {
+    Build({7, -13, 11});
+    Hitch(0, 1);
+    Fall(4);
+    const tavrik::DPoint3 a = Last(0).momentum, b = Last(1).momentum;
+    for (const double part : {a.x, a.y, a.z - Fallen(4)}) EXPECT_GT(std::abs(part), 100.0);
+    EXPECT_NEAR(a.x + b.x, 0.0, 1e-9);
+    EXPECT_NEAR(a.y + b.y, 0.0, 1e-9);
+    EXPECT_NEAR(a.z + b.z, 2.0 * Fallen(4), 1e-3);
 }
 
 }  // namespace
