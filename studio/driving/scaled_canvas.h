@@ -59,7 +59,8 @@ class ScaledCanvas final : public tavrik::OffScreenCanvas {
  private:
     std::int32_t Scaled(std::int32_t value) const;
     tavrik::PixelRect Scaled(const tavrik::PixelRect& rect) const;
-    void Frame(tavrik::PixelRect box, void (tavrik::PaintingCanvas::*shape)(std::int32_t, std::int32_t, std::int32_t, std::int32_t));
+    void Frame(tavrik::PixelRect box,
+               void (tavrik::PaintingCanvas::*shape)(std::int32_t, std::int32_t, std::int32_t, std::int32_t));
 
     std::int32_t width_, height_;
     double scale_;

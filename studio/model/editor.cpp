@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::size_t kMostSnapshotBytes = std::size_t(768) << 20;
 constexpr std::size_t kMostSnapshots = 200;
+constexpr std::chrono::milliseconds kJoinWithin{1500};
 
 std::vector<ULONG> HandlesOf(const std::vector<INode*>& nodes) {
     std::vector<ULONG> handles;
@@ -139,7 +140,7 @@ Editor::Snapshot Editor::Take(const QString& what) const {
     std::string bytes, problem;
     // A scene that can't be written can't be kept either; its way back is then empty, and Restore leaves things as they are.
     if (!tavrik_host::MakeSnapshot(document_, bytes, problem)) bytes.clear();
-    return {what, std::make_shared<const std::string>(std::move(bytes)), HandlesOf(Selection()), Time()};
+    return {what, std::make_shared<const std::string>(std::move(bytes)), HandlesOf(Selection()), Time(), {}, {}};
 }
 
 void Editor::Restore(const Snapshot& snapshot) {
@@ -180,25 +181,40 @@ void Editor::Replaced() {
     emit StateChanged();
 }
 
-Change::Change(Editor& editor, const QString& what) : editor_(editor), isOutermost_(editor.changes_++ == 0) {
-    if (isOutermost_) before_ = editor_.Take(what);
+Change::Change(Editor& editor, const QString& what, const QString& same)
+    : editor_(editor), isOutermost_(editor.changes_++ == 0) {
+    if (!isOutermost_) return;
+    const auto now = std::chrono::steady_clock::now();
+    joins_ = !same.isEmpty() && editor_.redo_.empty() && !editor_.undo_.empty() && editor_.undo_.back().same == same &&
+             now - editor_.undo_.back().made < kJoinWithin;
+    if (!joins_) before_ = editor_.Take(what);
+    before_.same = same;
 }
 
 Change::~Change() {
     --editor_.changes_;
-    if (isOutermost_ && !isKept_) editor_.Restore(before_);
+    if (isOutermost_ && !isKept_ && !joins_) editor_.Restore(before_);
 }
 
 void Change::Keep() {
     if (isKept_) return;
     isKept_ = true;
     if (!isOutermost_) return;
-    editor_.undo_.push_back(std::move(before_));
+    if (!joins_) editor_.undo_.push_back(std::move(before_));
+    editor_.undo_.back().made = std::chrono::steady_clock::now();
     editor_.redo_.clear();
     editor_.DropOldSnapshots();
     editor_.revision_ = ++editor_.lastRevision_;
     emit editor_.StateChanged();
     emit editor_.ViewChanged();
+}
+
+void Change::KeepIfChanged() {
+    if (isOutermost_ && !joins_ && *editor_.Take(before_.what).bytes == *before_.bytes) {
+        isKept_ = true;
+    } else {
+        Keep();
+    }
 }
 
 }  // namespace tavrik_studio

@@ -3,6 +3,7 @@
 
 #include <QObject>
 #include <QString>
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -82,6 +83,8 @@ class Editor final : public QObject {
         std::shared_ptr<const std::string> bytes;
         std::vector<ULONG> selection;
         TimeValue time = 0;
+        QString same;  // see Change
+        std::chrono::steady_clock::time_point made{};
     };
     Snapshot Take(const QString& what) const;
     void Restore(const Snapshot& snapshot);
@@ -104,17 +107,22 @@ class Editor final : public QObject {
 class Change {
  public:
     /// @param what  as a menu entry names it after "Undo". Within another change this one is part of it
-    Change(Editor& editor, const QString& what);
+    /// @param same  not empty: one step with the last change, where that one had this name too and was made a moment ago. Such
+    ///              a change can't be taken back alone, so it must be one that happens whole or not at all
+    Change(Editor& editor, const QString& what, const QString& same = {});
     ~Change();
     Change(const Change&) = delete;
     Change& operator=(const Change&) = delete;
 
     void Keep();
+    /// Keeps it where the scene is another one than before; else it was none.
+    void KeepIfChanged();
 
  private:
     Editor& editor_;
     Editor::Snapshot before_;  // of the outermost one
     bool isOutermost_;
+    bool joins_ = false;  // the last one
     bool isKept_ = false;
 };
 

@@ -6,7 +6,7 @@ namespace tavrik_studio {
 
 DrawEffort DrawPace::Next(bool isMoving) {
     wasMoving_ = isMoving;
-    if (!isMoving) return {1, 4, false};
+    if (!isMoving) return {1, samples_, false};
     switch (level_) {
         case 0:
             return {1, 1, false};
@@ -20,7 +20,14 @@ DrawEffort DrawPace::Next(bool isMoving) {
 }
 
 void DrawPace::Took(double milliseconds) {
-    if (!wasMoving_) return;
+    if (!wasMoving_) {
+        // The first picture of a scene has its meshes to take over, so that one slow picture says nothing.
+        slowAtRest_ = milliseconds > kSlowAtRest ? slowAtRest_ + 1 : 0;
+        if (slowAtRest_ < 3) return;
+        samples_ = std::max(1, samples_ / 2);
+        slowAtRest_ = 0;
+        return;
+    }
     if (milliseconds > kSlow) {
         // A better picture that was tried in vain is tried less and less often, so that a view doesn't flicker between two.
         if (isTrying_) patience_ = std::min(patience_ * 2, kMostPatience);

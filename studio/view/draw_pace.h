@@ -10,17 +10,18 @@ class DrawPace {
  public:
     /// @param isMoving  the picture will be replaced by another one at once
     DrawEffort Next(bool isMoving);
-    /// Tells how long the picture took that `Next` was asked for. Only those of a moving view count.
+    /// Tells how long the picture took that `Next` was asked for.
     void Took(double milliseconds);
     int Level() const { return level_; }
 
-    static constexpr double kSlow = 45.0, kFast = 14.0;  // milliseconds
+    static constexpr double kSlow = 45.0, kFast = 14.0, kSlowAtRest = 400.0;  // milliseconds
     static constexpr int kLevels = 4;
     static constexpr int kLeastPatience = 6, kMostPatience = 200;  // pictures in a row that have to be fast
 
  private:
     int level_ = 0;
     int fast_ = 0, patience_ = kLeastPatience;
+    int samples_ = 4, slowAtRest_ = 0;
     bool isTrying_ = false;
     bool wasMoving_ = false;
 };

@@ -4,13 +4,9 @@
 
 #include <GL/glcorearb.h>
 
-#include <functional>
+#include "studio/view/gl_loader.h"
 
 namespace tavrik_studio {
-
-using GlFunction = void (*)();
-/// Answers null for a name that it doesn't know.
-using GlLoader = std::function<GlFunction(const char*)>;
 
 // clang-format off
 #define TAVRIK_GL_FUNCTIONS(X) \
@@ -40,7 +36,8 @@ using GlLoader = std::function<GlFunction(const char*)>;
     X(PFNGLLINKPROGRAMPROC, LinkProgram) X(PFNGLPIXELSTOREIPROC, PixelStorei) X(PFNGLREADPIXELSPROC, ReadPixels) \
     X(PFNGLRENDERBUFFERSTORAGEPROC, RenderbufferStorage) \
     X(PFNGLRENDERBUFFERSTORAGEMULTISAMPLEPROC, RenderbufferStorageMultisample) X(PFNGLSCISSORPROC, Scissor) \
-    X(PFNGLSHADERSOURCEPROC, ShaderSource) X(PFNGLTEXIMAGE2DPROC, TexImage2D) X(PFNGLTEXPARAMETERIPROC, TexParameteri) \
+    X(PFNGLSHADERSOURCEPROC, ShaderSource) X(PFNGLSTENCILFUNCPROC, StencilFunc) X(PFNGLSTENCILOPPROC, StencilOp) \
+    X(PFNGLTEXIMAGE2DPROC, TexImage2D) X(PFNGLTEXPARAMETERIPROC, TexParameteri) \
     X(PFNGLUNIFORM1FPROC, Uniform1f) X(PFNGLUNIFORM1IPROC, Uniform1i) X(PFNGLUNIFORM2FPROC, Uniform2f) \
     X(PFNGLUNIFORM3FPROC, Uniform3f) X(PFNGLUNIFORM4FPROC, Uniform4f) X(PFNGLUNIFORMMATRIX4FVPROC, UniformMatrix4fv) \
     X(PFNGLUSEPROGRAMPROC, UseProgram) X(PFNGLVERTEXATTRIBPOINTERPROC, VertexAttribPointer) X(PFNGLVIEWPORTPROC, Viewport)

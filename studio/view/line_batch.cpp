@@ -8,7 +8,8 @@ namespace tavrik_studio {
 
 void LineBatch::Add(const Point3& from, const Point3& to, const Color& color, float alpha) {
     const auto byte = [](float c) { return std::uint8_t(std::lround(std::clamp(c, 0.0f, 1.0f) * 255.0f)); };
-    const Corner corner{{from.x, from.y, from.z}, {to.x, to.y, to.z}, {byte(color.r), byte(color.g), byte(color.b), byte(alpha)}};
+    const Corner corner{
+        {from.x, from.y, from.z}, {to.x, to.y, to.z}, {byte(color.r), byte(color.g), byte(color.b), byte(alpha)}};
     corners_.insert(corners_.end(), 4, corner);
 }
 

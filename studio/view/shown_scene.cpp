@@ -136,6 +136,11 @@ bool ShownScene::IsMesh(INode& node) const {
     return std::ranges::any_of(model_.things, [&node](const RenderThing& thing) { return thing.node == &node; });
 }
 
+bool ShownScene::IsGround(INode& node) const {
+    return std::ranges::any_of(model_.things,
+                               [&node](const RenderThing& thing) { return thing.node == &node && thing.takesTracks; });
+}
+
 std::vector<Point3> ShownScene::PointsOf(INode& node) const {
     std::vector<Point3> points;
     for (std::size_t i = 0; i < model_.things.size(); ++i) {

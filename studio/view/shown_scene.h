@@ -45,6 +45,8 @@ class ShownScene final : public QObject, private tavrik_host::NodeWatcher {
     std::uint64_t LineRevision() const { return lineRevision_; }
 
     bool IsMesh(INode& node) const;
+    /// What cars drive on.
+    bool IsGround(INode& node) const;
     /// Points that show how far a node reaches: corners of its mesh's box, the ends of its lines, or at least its origin.
     std::vector<Point3> PointsOf(INode& node) const;
     /// Of all nodes.

@@ -37,10 +37,13 @@ struct ViewPicture {
 
 /// How much work goes into a picture.
 struct DrawEffort {
-    int coarse = 1;   // a drawn pixel is that many wide and high
-    int samples = 1;  // of a drawn pixel
+    int coarse = 1;      // a drawn pixel is that many wide and high
+    int samples = 1;     // of a drawn pixel
     bool boxes = false;  // big meshes show as the boxes around them
 };
+
+/// Whether a flat view looks across the ground rather than down on it.
+bool IsFromTheSide(const tavrik_host::ViewState& state);
 
 /// The width of the grid that suits a picture: 1, 10, 100 ... units, so that lines don't crowd.
 float GridWidthFor(const tavrik_host::ViewState& state);

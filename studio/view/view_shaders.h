@@ -10,6 +10,7 @@ namespace tavrik_studio {
 //   TRACKS   tyre tracks lie on it
 //   GLOSSY   it mirrors sun and sky
 //   MASK     only where it is matters
+//   CUT      what lies in front of a flat view's eye is left out
 inline constexpr const char* kMeshVertex = R"(
 layout(location = 0) in vec3 aPoint;
 layout(location = 1) in vec3 aNormal;
@@ -61,18 +62,26 @@ uniform float uAlpha;
 uniform float uCutoff; // what covers less is cut out; below 0: nothing is
 uniform float uGloss;
 uniform float uMetal;
+#ifdef CUT
+uniform float uCut;
+#endif
 out vec4 oColor;
 
 vec3 ToScreen(vec3 c) {
+    // The screen's curve in square roots, right to half a step of 255: without a graphics card powers take several times as long.
     c = clamp(c, 0.0, 1.0);
-    return max(1.055 * pow(c, vec3(1.0 / 2.4)) - 0.055, 12.92 * min(c, 0.0031308));
+    vec3 r = sqrt(c), rr = sqrt(r), rrr = sqrt(rr);
+    return clamp(0.662002687 * r + 0.684122060 * rr - 0.323583601 * rrr - 0.0225411470 * c, 0.0, 1.0);
 }
 
 void main() {
+#ifdef CUT
+    if (dot(uEye.xyz, vWorld) > uCut) discard;
+#endif
 #ifdef MASK
     oColor = vec4(1.0);
 #else
-    vec3 toEye = uEye.w > 0.5 ? normalize(uEye.xyz - vWorld) : uEye.xyz;
+    vec3 toEye = uEye.w > 0.5 ? uEye.xyz - vWorld : uEye.xyz;
 #ifdef FLAT
     vec3 n = normalize(cross(dFdx(vWorld), dFdy(vWorld)));
 #else
@@ -92,6 +101,7 @@ void main() {
     vec3 sky = mix(uFromBelow, uFromAbove, 0.5 + 0.5 * n.z);
     vec3 light = uSun * lit + sky;
 #ifdef GLOSSY
+    toEye = normalize(toEye);
     float facing = clamp(1.0 - dot(n, toEye), 0.0, 1.0);
     float five = facing * facing * facing * facing * facing;
     vec3 head = mix(vec3(0.04), color.rgb, uMetal);
@@ -165,6 +175,7 @@ uniform float uRim;
 uniform vec3 uRimColor;
 uniform float uRimAlpha;
 uniform float uAlpha;
+uniform float uLeast;  // what covers less of a pixel is left out
 uniform vec4 uFade;  // a middle, and how far from it lines have faded; 0: they don't
 out vec4 oColor;
 void main() {
@@ -172,6 +183,7 @@ void main() {
     float core = clamp(uHalfWidth + 0.5 - d, 0.0, 1.0);
     float rim = uRim > 0.0 ? clamp(uHalfWidth + 0.5 + uRim - d, 0.0, 1.0) * uRimAlpha : 0.0;
     float cover = core + (1.0 - core) * rim;
+    if (cover < uLeast) discard;
     float fade = uFade.w > 0.0 ? 1.0 - smoothstep(0.35, 1.0, distance(vWorld, uFade.xyz) / uFade.w) : 1.0;
     oColor = vec4(mix(uRimColor, vColor.rgb, core / max(cover, 1e-3)), cover * vColor.a * uAlpha * fade);
 }

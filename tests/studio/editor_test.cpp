@@ -92,6 +92,36 @@ TEST(Editor, MakesOneStepOfChangesWithinAChange) {
     EXPECT_FALSE(editor.CanUndo());
 }
 
+TEST(Editor, MakesOneStepOfChangesOfOneNameInARow) {
+    Editor editor;
+    INode& wheel = Add(editor, ObjectClass::Wheel);
+    const float before = tavrik_host::FloatParam(wheel, tavrik::WheelParam::Radius);
+    for (const float radius : {40.0f, 41.0f, 42.0f}) {
+        Change change(editor, "Radius", "wheel.radius");
+        tavrik_host::SetParam(wheel, tavrik::WheelParam::Radius, radius);
+        change.Keep();
+    }
+    editor.Undo();
+    EXPECT_EQ(tavrik_host::FloatParam(*AllNodes()[0], tavrik::WheelParam::Radius), before);
+    EXPECT_EQ(editor.UndoText(), "Create");
+}
+
+TEST(Editor, MakesNoStepOfAChangeThatChangedNothing) {
+    Editor editor;
+    Add(editor, ObjectClass::Wheel);
+    {
+        Change change(editor, "Press");
+        change.KeepIfChanged();
+    }
+    EXPECT_EQ(editor.UndoText(), "Create");
+    {
+        Change change(editor, "Rename");
+        AllNodes()[0]->SetName(L"other");
+        change.KeepIfChanged();
+    }
+    EXPECT_EQ(editor.UndoText(), "Rename");
+}
+
 TEST(Editor, DropsWhatWasTakenBackWhenSomethingNewHappens) {
     Editor editor;
     Add(editor, ObjectClass::Wheel);
