@@ -23,7 +23,8 @@ target_compile_options(
         -Wall
         -Wextra
         -Wpedantic
-        -Wshadow
+        # Clang 14 takes an enumerator that goes by the name of a function for a shadow of it.
+        $<$<CXX_COMPILER_ID:GNU>:-Wshadow>
         -Wnon-virtual-dtor
         # Narrowing is part of the model, so each one has to be written out.
         -Wconversion

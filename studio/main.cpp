@@ -11,6 +11,7 @@
 
 #include "drive/window_messages.h"
 #include "host/plugin_file.h"
+#include "host/sdk/standin.h"
 #include "studio/window/main_window.h"
 
 namespace {
@@ -64,7 +65,8 @@ int main(int argc, char** argv) {
                                      "file.png");
     const QCommandLineOption command("command", "Run a command by its name once the scene is open, such as file.garage",
                                      "name");
-    words.addOptions({drive, profile, picture, command});
+    const QCommandLineOption select("select", "Select a node once the scene is open", "node");
+    words.addOptions({drive, profile, picture, command, select});
     words.process(application);
     std::string problem;
     if (!tavrik_host::LoadTavrikPlugin(problem)) {
@@ -77,6 +79,9 @@ int main(int argc, char** argv) {
     if (!files.isEmpty() && !window.OpenFile(files.front().toStdString()) && words.isSet(profile)) {
         fmt::print(stderr, "{}\n", window.Notices().Sentence().toStdString());
         return 1;
+    }
+    for (INode* const node : tavrik_host::AllNodes()) {
+        if (words.isSet(select) && words.value(select).toStdWString() == node->GetName()) window.TheEditor().Select(node);
     }
     for (const QString& name : words.values(command)) {
         if (window.TheCommands().Run(name)) continue;

@@ -285,6 +285,8 @@ class ComboWidget final : public ControlWidget {
         }
         widget = box_;
         box_->setFocusPolicy(Qt::StrongFocus);
+        box_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        box_->setMinimumContentsLength(8);
         const int id = control.id;
         const QString name = NameOf(control);
         QObject::connect(box_, &QComboBox::activated, box_, [=, &page](int item) {

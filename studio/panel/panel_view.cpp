@@ -130,6 +130,8 @@ void PanelView::Rebuild(const std::vector<PanelPage>& pages) {
     }
     column->addStretch(1);
     scroll_->setWidget(all);
+    // Nothing scrolls sideways, so the panel never gets narrower than its pages.
+    scroll_->setMinimumWidth(all->minimumSizeHint().width() + scroll_->verticalScrollBar()->sizeHint().width());
     scroll_->verticalScrollBar()->setValue(scrolled);
 }
 

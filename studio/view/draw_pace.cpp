@@ -28,7 +28,8 @@ void DrawPace::Took(double milliseconds) {
         slowAtRest_ = 0;
         return;
     }
-    if (milliseconds > kSlow) {
+    const bool onlyBoxesAreLeft = level_ == kLevels - 2;
+    if (milliseconds > (onlyBoxesAreLeft ? kHopeless : kSlow)) {
         // A better picture that was tried in vain is tried less and less often, so that a view doesn't flicker between two.
         if (isTrying_) patience_ = std::min(patience_ * 2, kMostPatience);
         level_ = std::min(level_ + 1, kLevels - 1);

@@ -15,6 +15,7 @@ class DrawPace {
     int Level() const { return level_; }
 
     static constexpr double kSlow = 45.0, kFast = 14.0, kSlowAtRest = 400.0;  // milliseconds
+    static constexpr double kHopeless = 180.0;  // likewise: nobody drives by boxes who can see a road instead
     static constexpr int kLevels = 4;
     static constexpr int kLeastPatience = 6, kMostPatience = 200;  // pictures in a row that have to be fast
 

@@ -54,6 +54,9 @@ void AddEditCommands(Editor& editor, Commands& commands, const std::function<voi
             editor.Touch();
         },
         hasSelection);
+    // On buttons they stay short.
+    undo.setIconText(Tr("Undo"));
+    redo.setIconText(Tr("Redo"));
     QObject::connect(&editor, &Editor::StateChanged, &commands, [&] {
         undo.setText(WithWhat(Tr("&Undo"), editor.UndoText()));
         redo.setText(WithWhat(Tr("&Redo"), editor.RedoText()));

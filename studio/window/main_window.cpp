@@ -18,6 +18,7 @@
 #include <algorithm>
 
 #include "host/master_panel.h"
+#include "host/render/render_camera.h"
 #include "host/rig_objects.h"
 #include "host/sdk/panels.h"
 #include "host/sdk/standin.h"
@@ -37,6 +38,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kMostRecent = 10;
+constexpr int kDoctorHeight = 170;  // pixels, until the user drags it
 constexpr const char* kRecent = "recentFiles";
 constexpr const char* kGeometry = "window/geometry";
 constexpr const char* kLayout = "window/layout";
@@ -128,9 +130,23 @@ bool MainWindow::OpenFile(const fs::path& file) {
     }
     notices_->Clear();
     Remember(file);
-    views_->Main().FrameAll();
+    ShowCar();
     ShowTracks();
     return true;
+}
+
+void MainWindow::ShowCar() {
+    INode* const master = MasterToDrive();
+    if (master == nullptr) {
+        views_->Main().FrameAll();
+        return;
+    }
+    std::vector<INode*> car = tavrik_host::NodesOf(tavrik::ObjectClass::Wheel);
+    std::erase_if(car, [&](INode* wheel) { return tavrik_host::MasterOf(*wheel) != master; });
+    if (INode* const chassis = tavrik_host::ChassisOf(*master)) car.push_back(chassis);
+    editor_.Select(car.empty() ? std::vector<INode*>{master} : car);
+    views_->Main().FrameSelection();
+    editor_.Select(master);
 }
 
 bool MainWindow::SaveFile(const fs::path& file) {
@@ -235,7 +251,10 @@ void MainWindow::AddDialogs() {
     addDockWidget(Qt::BottomDockWidgetArea, doctor_);
     doctor_->hide();
     commands_.Add("drive.doctor", tr("&Check the Rigs"), QKeySequence("F6"), [this] {
-        doctor_->show();
+        if (doctor_->isHidden()) {
+            doctor_->show();
+            resizeDocks({doctor_}, {kDoctorHeight}, Qt::Vertical);
+        }
         doctor_->raise();
         doctor_->LookAgain();
     });
@@ -290,8 +309,9 @@ void MainWindow::AddDocks() {
     };
     tree_ = new SceneTree(editor_, this);
     panel_ = new PanelView(editor_, this);
-    add("dock.tree", tr("Scene"), tree_, Qt::LeftDockWidgetArea);
-    add("dock.panel", tr("Panel"), panel_, Qt::RightDockWidgetArea);
+    QDockWidget* const scene = add("dock.tree", tr("Scene"), tree_, Qt::LeftDockWidgetArea);
+    QDockWidget* const panel = add("dock.panel", tr("Panel"), panel_, Qt::RightDockWidgetArea);
+    resizeDocks({scene, panel}, {270, 330}, Qt::Horizontal);
 }
 
 void MainWindow::ConnectParts() {
@@ -333,7 +353,7 @@ void MainWindow::OfferRescued(const fs::path& folder) {
         }
         autosave_->SaveNow();
         Autosave::Remove(scene);
-        views_->Main().FrameAll();
+        ShowCar();
     });
 }
 
@@ -388,9 +408,7 @@ void MainWindow::RunStarted() {
     ViewWidget& view = views_->Main();
     wasFollowing_ = view.Followed() != nullptr;
     if (INode* const master = editor_.Current(); master != nullptr && !wasFollowing_) {
-        for (INode* const chassis : tavrik_host::NodesOf(tavrik::ObjectClass::Chassis)) {
-            if (tavrik_host::MasterOf(*chassis) == master) view.SetFollow(chassis);
-        }
+        view.SetFollow(tavrik_host::ChassisOf(*master));
     }
     commands_.Refresh();
 }

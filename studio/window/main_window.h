@@ -70,6 +70,8 @@ class MainWindow final : public QMainWindow {
     void OfferRescued(const std::filesystem::path& folder);
 
     bool MayReplaceScene();
+    /// Looks at the car that would drive, its panel open.
+    void ShowCar();
     bool Save();
     bool SaveAs();
     void ShowTitle();

@@ -34,7 +34,8 @@ SceneTree::SceneTree(Editor& editor, QWidget* parent) : QTreeWidget(parent), edi
     setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
     setUniformRowHeights(true);
     setAccessibleName(tr("Nodes of the scene"));
-    setColumnWidth(0, 170);
+    setColumnWidth(0, 165);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     soon_.setSingleShot(true);
     soon_.setInterval(0);
     soon_.callOnTimeout(this, &SceneTree::Refresh);

@@ -27,7 +27,7 @@ void ViewArea::SetFour(bool four) {
     for (std::size_t i = 1; i < 4; ++i) {
         if (views_[i] == nullptr) continue;
         views_[i]->setVisible(four);
-        if (four) views_[i]->FrameAll();
+        if (four) views_[i]->FrameSelection();
     }
 }
 

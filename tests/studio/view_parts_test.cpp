@@ -82,10 +82,19 @@ TEST(DrawPace, TakesLessEffortWhereAMovingViewIsSlowAndAllOfItAtRest) {
         pace.Next(true);
         pace.Took(80.0);
     }
-    EXPECT_TRUE(pace.Next(true).boxes);
+    EXPECT_FALSE(pace.Next(true).boxes);
     EXPECT_EQ(pace.Next(false).coarse, 1);
     EXPECT_FALSE(pace.Next(false).boxes);
     EXPECT_GT(pace.Next(false).samples, 1);
+}
+
+TEST(DrawPace, DrawsBoxesOnlyWhereNothingElseWouldMove) {
+    DrawPace pace;
+    for (int i = 0; i < 10; ++i) {
+        pace.Next(true);
+        pace.Took(DrawPace::kHopeless + 1.0);
+    }
+    EXPECT_TRUE(pace.Next(true).boxes);
 }
 
 TEST(DrawPace, PicturesAtRestSayNothingAboutMovingOnes) {
