@@ -2,7 +2,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QStyleFactory>
+#include <QDialog>
 #include <QTimer>
 #include <chrono>
 #include <cstdio>
@@ -18,6 +18,7 @@ namespace {
 
 using tavrik_studio::MainWindow;
 
+constexpr QSize kPictureSize{1080, 680};
 constexpr std::chrono::milliseconds kSettleTime{1500};  // until views are drawn with all effort
 
 /// Drives the scene for a while as a user would, and tells where the time went.
@@ -47,6 +48,15 @@ class ProfileRun {
     MainWindow& window_;
 };
 
+/// The window, or the dialog in front of it.
+bool SavePicture(MainWindow& window, const QString& file) {
+    QWidget* front = &window;
+    for (QDialog* const dialog : window.findChildren<QDialog*>()) {
+        if (dialog->isVisible()) front = dialog;
+    }
+    return front->grab().save(file);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -74,6 +84,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     MainWindow window;
+    if (words.isSet(picture)) window.resize(kPictureSize);
     window.show();
     const QStringList files = words.positionalArguments();
     if (!files.isEmpty() && !window.OpenFile(files.front().toStdString()) && words.isSet(profile)) {
@@ -92,7 +103,8 @@ int main(int argc, char** argv) {
     if (words.isSet(profile)) {
         run = std::make_unique<ProfileRun>(window, 10.0);
     } else if (words.isSet(picture)) {
-        QTimer::singleShot(kSettleTime, &window, [&] { QApplication::exit(window.grab().save(words.value(picture)) ? 0 : 1); });
+        QTimer::singleShot(kSettleTime, &window,
+                           [&] { QApplication::exit(SavePicture(window, words.value(picture)) ? 0 : 1); });
     } else if (words.isSet(drive)) {
         QTimer::singleShot(0, &window, [&window] { window.OpenDrive(); });
     }

@@ -64,6 +64,8 @@ PanelView::PanelView(Editor& editor, QWidget* parent)
     hint_->setContentsMargins(12, 24, 12, 24);
     scroll_->setWidgetResizable(true);
     scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // Always there, so that pages keep their width when they fold.
+    scroll_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     scroll_->setFrameShape(QFrame::NoFrame);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(4, 4, 4, 4);
@@ -130,7 +132,9 @@ void PanelView::Rebuild(const std::vector<PanelPage>& pages) {
     }
     column->addStretch(1);
     scroll_->setWidget(all);
+    all->show();
     // Nothing scrolls sideways, so the panel never gets narrower than its pages.
+    column->activate();
     scroll_->setMinimumWidth(all->minimumSizeHint().width() + scroll_->verticalScrollBar()->sizeHint().width());
     scroll_->verticalScrollBar()->setValue(scrolled);
 }
