@@ -92,16 +92,21 @@ void ViewWidget::MakeBody(ViewBodyKind kind) {
         QElapsedTimer timer;
         timer.start();
         renderer.Draw(*shown_, Picture(), pace_.Next(isMoving_), framebuffer);
-        pace_.Took(double(timer.nsecsElapsed()) * 1e-6);
+        TellTime(timer.nsecsElapsed());
     };
     tasks.drawImage = [this](ViewRenderer& renderer) {
         QElapsedTimer timer;
         timer.start();
         const QImage image = DrawImage(renderer, pace_.Next(isMoving_));
-        pace_.Took(double(timer.nsecsElapsed()) * 1e-6);
+        TellTime(timer.nsecsElapsed());
         return image;
     };
     body_ = MakeViewBody(kind, std::move(tasks), this);
+}
+
+void ViewWidget::TellTime(qint64 nanoseconds) {
+    pace_.Took(double(nanoseconds) * 1e-6);
+    emit Drawn(nanoseconds);
 }
 
 QImage ViewWidget::DrawImage(ViewRenderer& renderer, const DrawEffort& effort) {

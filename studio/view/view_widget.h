@@ -96,6 +96,8 @@ class ViewWidget final : public QWidget {
     void Said(const QString& sentence);
     /// Tool, side, or one of the switches.
     void SettingsChanged();
+    /// A picture took so long. On the way to the screen: nothing may be drawn from here.
+    void Drawn(qint64 nanoseconds);
     /// The right button was clicked where it means nothing else. @param at  in the view
     void MenuWanted(const QPoint& at);
 
@@ -115,6 +117,7 @@ class ViewWidget final : public QWidget {
     void MakeBody(ViewBodyKind kind);
     ViewPicture Picture() const;
     ViewColors Colors() const;
+    void TellTime(qint64 nanoseconds);
     QImage DrawImage(ViewRenderer& renderer, const DrawEffort& effort);
     void RedrawMoving();
     void Redraw();

@@ -16,6 +16,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <chrono>
 
 #include "host/master_panel.h"
 #include "host/render/render_camera.h"
@@ -317,6 +318,9 @@ void MainWindow::AddDocks() {
 void MainWindow::ConnectParts() {
     const auto say = [this](const QString& sentence) { notices_->Say(sentence); };
     connect(views_, &ViewArea::Said, this, say);
+    connect(views_, &ViewArea::Drawn, this, [this](qint64 nanoseconds) {
+        if (desk_->IsRunning()) desk_->Profile().AddViewTime(std::chrono::nanoseconds(nanoseconds));
+    });
     connect(views_, &ViewArea::MenuWanted, this, &MainWindow::ShowContextMenu);
     connect(desk_.get(), &DriveDesk::Complained, this, say);
     connect(desk_.get(), &DriveDesk::RunStarted, this, &MainWindow::RunStarted);

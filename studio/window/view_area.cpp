@@ -42,6 +42,7 @@ std::vector<ViewWidget*> ViewArea::All() const {
 ViewWidget* ViewArea::Make() {
     auto* const view = new ViewWidget(editor_, commands_, this);
     connect(view, &ViewWidget::Said, this, &ViewArea::Said);
+    connect(view, &ViewWidget::Drawn, this, &ViewArea::Drawn);
     connect(view, &ViewWidget::MenuWanted, this, [this, view](const QPoint& at) { emit MenuWanted(view->mapToGlobal(at)); });
     return view;
 }

@@ -25,6 +25,8 @@ class ViewArea final : public QWidget {
 
  signals:
     void Said(const QString& sentence);
+    /// A view took so long for a picture.
+    void Drawn(qint64 nanoseconds);
     void MenuWanted(const QPoint& globalAt);
 
  private:

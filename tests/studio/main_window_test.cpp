@@ -199,6 +199,15 @@ TEST_F(Window, FollowsTheCarWhileItDrives) {
     EXPECT_TRUE(QTest::qWaitFor([this] { return window.Views().Main().Followed() == nullptr; }));
 }
 
+TEST_F(Window, TellsWhereTheTimeOfARunGoes) {
+    OpenGarage("car");
+    ASSERT_TRUE(window.OpenDrive());
+    DriveFrames(20, Qt::Key_W);
+    EXPECT_GE(window.Desk().Profile().Ticks(), 20);
+    const QString report = window.Desk().ProfileReport();
+    for (const char* part : {"solver", "views", "display", "all"}) EXPECT_TRUE(report.contains(part)) << part;
+}
+
 TEST_F(Window, LeavesKeysToTheCarWhileTheDriveWindowIsOpen) {
     OpenGarage("car");
     window.TheCommands().Run("edit.select_all");
