@@ -22,4 +22,7 @@ if [ ! -s "$folder/display" ]; then
     echo "skipped: the screen doesn't start: $(tail -n 1 "$folder/log")"
     exit 77
 fi
+# Leaks of the desktop's libraries are not ours.
+here=$(cd "$(dirname "$0")" && pwd)
+export LSAN_OPTIONS="suppressions=$here/../tools/lsan.supp:print_suppressions=0"
 DISPLAY=":$(cat "$folder/display")" QT_QPA_PLATFORM=xcb "$@"
