@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 
 run_packages=(g++ cmake ninja-build ccache libtinyobjloader-dev libassimp-dev libtinygltf-dev nlohmann-json3-dev libcli11-dev
     libfmt-dev libfontconfig-dev libfreetype-dev libpng-dev libjpeg-dev libembree-dev zlib1g-dev fonts-liberation
-    qt6-base-dev libsdl2-dev libegl-dev libgl1-mesa-dri)
+    qt6-base-dev libqt6opengl6-dev libsdl2-dev libegl-dev libgl1-mesa-dri)
 test_packages=(libgtest-dev clang libclang-rt-14-dev nodejs npm xvfb xdotool)
 
 case "${1:-}" in
