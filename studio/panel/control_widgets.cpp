@@ -93,7 +93,8 @@ class SpinnerWidget final : public ControlWidget {
         text->setBuddy(box_);
         label = text;
         widget = box_;
-        box_->setSuffix(UnitText(control.unit));
+        // A label such as "Force (Mn):" tells the unit itself.
+        if (!control.label.ends_with(L"):")) box_->setSuffix(UnitText(control.unit));
         box_->setAccessibleName(NameOf(control));
         const QString name = NameOf(control), key = KeyOf(page, control);
         const double unit = unit_;

@@ -12,6 +12,7 @@ namespace tavrik_studio {
 namespace {
 
 constexpr int kDecimals = 6;
+constexpr double kLong = 1e5, kTooLong = 1e10;
 constexpr int kShownDigits = 9;  // enough for any single-precision number
 
 }  // namespace
@@ -37,6 +38,9 @@ void NumberBox::Show(double value, double low, double high, double step, bool is
 
 QString NumberBox::textFromValue(double value) const {
     if (isWhole_) return QString::number(value, 'f', 0);
+    // Nobody reads a stiffness as 1e+06.
+    const double size = std::abs(value);
+    if (size >= kLong && size < kTooLong && value == std::floor(value)) return QString::number(value, 'f', 0);
     const QString text = QString::number(double(float(value)), 'g', kShownDigits);
     const QString shorter = QString::number(value, 'g', 6);
     return float(shorter.toDouble()) == float(value) ? shorter : text;

@@ -14,6 +14,7 @@
 #include "studio/dialogs/garage_dialog.h"
 #include "studio/dialogs/import_ground_dialog.h"
 #include "studio/dialogs/rig_wizard_dialog.h"
+#include "studio/panel/number_box.h"
 #include "tests/host/temp_folder.h"
 #include "tests/support/ground_meshes.h"
 
@@ -87,6 +88,16 @@ TEST_F(Window, SelectsInTheTreeWhatIsSelectedInTheSceneAndBack) {
     window.Tree().ItemOf(*AllNodes()[1])->setSelected(true);
     EXPECT_EQ(window.TheEditor().Current(), AllNodes()[1]);
     EXPECT_FALSE(tavrik_host::Pages().empty());
+}
+
+TEST_F(Window, ShowsNumbersOnThePanelAsPeopleWriteThem) {
+    Put(ObjectClass::Wheel);
+    tavrik_host::SetParam(*AllNodes()[0], tavrik::WheelParam::Ruggedness, 1e6f);
+    window.TheEditor().Select(AllNodes()[0]);
+    QTest::qWait(20);
+    QStringList texts;
+    for (const NumberBox* const box : window.Panel().findChildren<NumberBox*>()) texts += box->text();
+    EXPECT_TRUE(texts.contains("1000000")) << texts.join(", ").toStdString();
 }
 
 TEST_F(Window, RenamesInTheTree) {
