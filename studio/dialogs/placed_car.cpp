@@ -107,7 +107,9 @@ bool PutCar(Editor& editor, const CarOrder& order, INode* ground, QString& probl
     if (tavrik_host::NodesOf(ObjectClass::Tavrik).empty()) LengthenTimeline();
     std::vector<tavrik_host::RigNodes> cars;
     std::string fault;
-    if (!Put(editor, order, ground, cars, fault)) {
+    // A car that no file can hold could neither be saved nor taken back.
+    std::string bytes;
+    if (!Put(editor, order, ground, cars, fault) || !MakeSnapshot(editor.Document(), bytes, fault)) {
         problem = Text(fault);
         return false;
     }

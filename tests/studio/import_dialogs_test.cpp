@@ -183,6 +183,19 @@ TEST_F(ImportCar, AnOverrideIsPlannedAnew) {
     EXPECT_TRUE(dialog.Wheels().item(2, 4)->text().contains("steers"));
 }
 
+TEST_F(ImportCar, ACarThatNoFileCanHoldIsRefusedAndTheSceneStays) {
+    AddPlane();
+    const std::string before = Scene();
+    RigWizardDialog dialog(editor, DataFile("cars/sedan/sedan_assembled.glb"));
+    dialog.Form().mass->setValue(4000.0);
+    WaitForPlan(dialog);
+    dialog.show();
+    Click(dialog.OkButton());
+    EXPECT_TRUE(dialog.Message().Complains());
+    EXPECT_TRUE(dialog.Message().Sentence().contains("Ruggedness")) << dialog.Message().Sentence().toStdString();
+    EXPECT_EQ(Scene(), before);
+}
+
 TEST_F(ImportCar, PutsTheCarOntoTheGroundAsOneStep) {
     INode& plane = AddPlane();
     const std::string before = Scene();
